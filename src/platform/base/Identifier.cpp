@@ -1,0 +1,7 @@
+#include "platform/base/Identifier.h"
+
+#include <QUuid>
+
+QString newUniversallyUniqueIdentifier() {
+  return QUuid::createUuid().toString(QUuid::WithoutBraces).toUpper();
+}
