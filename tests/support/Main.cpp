@@ -13,7 +13,8 @@ namespace {
 void moveHomeTo(const QString& folder) {
   const QByteArray home = folder.toLocal8Bit();
   qputenv("HOME", home);
-  for (const char* name : {"XDG_DATA_HOME", "XDG_CONFIG_HOME", "XDG_CACHE_HOME", "XDG_RUNTIME_DIR"}) {
+  for (const char* name :
+       {"XDG_DATA_HOME", "XDG_CONFIG_HOME", "XDG_CACHE_HOME", "XDG_RUNTIME_DIR"}) {
     const QString path = folder + u'/' + QString::fromLatin1(name).toLower();
     QDir().mkpath(path);
     qputenv(name, path.toLocal8Bit());

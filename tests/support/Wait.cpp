@@ -1,9 +1,9 @@
 #include "Wait.h"
 
+#include <QCoreApplication>
 #include <QDeadlineTimer>
 #include <QEventLoop>
 #include <QThread>
-#include <QCoreApplication>
 
 namespace support {
 

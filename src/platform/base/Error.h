@@ -4,8 +4,8 @@
 #include <optional>
 #include <tl/expected.hpp>
 
-/// What went wrong, made where the cause is known. `localizedDescription` is one sentence that a user
-/// can act on; domain and code let the program tell causes apart.
+/// What went wrong, made where the cause is known. `localizedDescription` is one sentence that a
+/// user can act on; domain and code let the program tell causes apart.
 struct Error {
   QString domain;
   int code = 0;

@@ -2,4 +2,6 @@
 
 Q_LOGGING_CATEGORY(corvalisLog, "corvalis")
 
-void logLine(const QString& line) { qCInfo(corvalisLog).noquote() << line; }
+void logLine(const QString& line) {
+  qCInfo(corvalisLog).noquote() << line;
+}

@@ -23,8 +23,8 @@ MainQueue& mainQueue() {
   return queue;
 }
 
-/// Threads that block in `mainSync` or wait for the engine occupy their place, so the pool is larger
-/// than the number of cores.
+/// Threads that block in `mainSync` or wait for the engine occupy their place, so the pool is
+/// larger than the number of cores.
 QThreadPool& pool() {
   static auto* threads = [] {
     auto* created = new QThreadPool;
@@ -80,7 +80,8 @@ void initialize() {
 void finish() {
   pool().clear();
   // Running work may be waiting for the main queue: serve it until the pool is idle.
-  while (!pool().waitForDone(1)) QCoreApplication::processEvents();
+  while (!pool().waitForDone(1))
+    QCoreApplication::processEvents();
   std::unique_ptr<QObject> receiver;
   {
     std::lock_guard lock(mainQueue().mutex);
@@ -93,7 +94,9 @@ bool isMainThread() {
   return application && application->thread() == QThread::currentThread();
 }
 
-void mainAsync(Work work) { post(std::move(work)); }
+void mainAsync(Work work) {
+  post(std::move(work));
+}
 
 void mainSync(const Work& work) {
   if (isMainThread()) return work();

@@ -9,11 +9,10 @@ Timer::Timer(std::chrono::milliseconds interval, Repeat repeat, std::function<vo
   timer_->setTimerType(Qt::PreciseTimer);
   timer_->setSingleShot(repeat == Repeat::Once);
   // A copy runs, so that the callback may destroy its own timer.
-  QObject::connect(timer_.get(), &QTimer::timeout, timer_.get(),
-                   [fire = std::move(fire)] {
-                     const std::function<void()> running = fire;
-                     running();
-                   });
+  QObject::connect(timer_.get(), &QTimer::timeout, timer_.get(), [fire = std::move(fire)] {
+    const std::function<void()> running = fire;
+    running();
+  });
   timer_->start(interval);
 }
 
@@ -23,14 +22,18 @@ Timer::~Timer() {
   timer_.release()->deleteLater();
 }
 
-std::unique_ptr<Timer> Timer::after(std::chrono::milliseconds interval, std::function<void()> fire) {
+std::unique_ptr<Timer> Timer::after(std::chrono::milliseconds interval,
+                                    std::function<void()> fire) {
   return std::unique_ptr<Timer>(new Timer(interval, Repeat::Once, std::move(fire)));
 }
 
-std::unique_ptr<Timer> Timer::every(std::chrono::milliseconds interval, std::function<void()> fire) {
+std::unique_ptr<Timer> Timer::every(std::chrono::milliseconds interval,
+                                    std::function<void()> fire) {
   return std::unique_ptr<Timer>(new Timer(interval, Repeat::Forever, std::move(fire)));
 }
 
-void Timer::cancel() { timer_->stop(); }
+void Timer::cancel() {
+  timer_->stop();
+}
 
 }  // namespace dispatch
