@@ -61,10 +61,10 @@ class PDFDocument {
   MaybeError writeToURL(const QUrl& url) const;
 
   struct Contents;
-  explicit PDFDocument(std::unique_ptr<Contents> contents);
+  explicit PDFDocument(std::shared_ptr<Contents> contents);
 
  private:
-  std::unique_ptr<Contents> contents_;
+  std::shared_ptr<Contents> contents_;
 };
 
 }  // namespace pdf

@@ -1,0 +1,19 @@
+#pragma once
+
+// Only sources of this folder include this header: qpdf's types end here.
+
+#include <memory>
+#include <qpdf/QPDF.hh>
+#include <vector>
+
+#include "platform/pdf/PDFDocument.h"
+
+namespace pdf {
+
+struct PDFDocument::Contents {
+  QPDF qpdf;
+  /// Documents whose pages were taken over: their files are read when this one is written.
+  std::vector<std::shared_ptr<Contents>> origins;
+};
+
+}  // namespace pdf
