@@ -2,7 +2,7 @@
 
 #include <QSize>
 #include <QString>
-#include <QtTypes>
+#include <QtGlobal>
 #include <vector>
 
 #include "platform/base/Error.h"
