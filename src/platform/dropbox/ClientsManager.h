@@ -60,19 +60,19 @@ class ClientsManager {
   /// the address to open in the user's browser. An authorization begun earlier is abandoned.
   void authorizeFromControllerDesktop(const OpenURL& openURL);
 
-  /// Tells whether `url` is this application's redirect address ("db-<key>://2/token" or
-  /// "/cancel"); one that is not belongs to somebody else and nothing is done. For one that is,
-  /// `completion` comes once, later, on the main thread: the code is exchanged and the token stored
-  /// before a success is reported.
+  /// Tells whether `url` is in this application's own redirect scheme ("db-<key>://2/token?...",
+  /// "db-<key>://2/cancel"); one that is not belongs to somebody else and nothing is done. For one
+  /// that is, `completion` comes once, later, on the main thread: the code is exchanged and the
+  /// token stored before a success is reported.
   bool handleRedirectURL(const QUrl& url, AuthorizationCompletion completion);
 
   /// Forgets the account at once, here and in the store, whatever the service says, and asks the
   /// service to revoke the token. `completion` (may be empty) comes when both have ended.
   void unlinkAndResetClients(std::function<void()> completion = {});
 
-  /// Ends the uploads under way with an error, so that a program that is ending does not wait for
-  /// them.
-  void cancelUploads();
+  /// Ends all requests under way with an error and sends no more, so that a program that is ending
+  /// does not wait for an upload.
+  void close();
 
  private:
   class Implementation;
