@@ -136,8 +136,8 @@ MaybeError writeRows(const VipsLibrary& vips, VipsImage* picture, const QString&
   for (int row = 0; row < pixels.height(); row += rowsAtOnce) {
     const VipsRect place{0, row, pixels.width(), std::min(rowsAtOnce, pixels.height() - row)};
     if (!region || vips.vips_region_prepare(region.get(), &place) != 0) return unreadable(vips);
-    const QImage rows(VIPS_REGION_ADDR(region.get(), 0, row), pixels.width(), place.height,
-                      qsizetype(VIPS_REGION_LSKIP(region.get())), QImage::Format_RGB888);
+    const uchar* first = region->data + qptrdiff(row - region->valid.top) * region->bpl;
+    const QImage rows(first, pixels.width(), place.height, region->bpl, QImage::Format_RGB888);
     if (auto error = (*writer)->append(rows)) return error;
   }
   return (*writer)->finish();

@@ -1,7 +1,7 @@
 #include "platform/imaging/PngWriter.h"
 
+#include <algorithm>
 #include <cmath>
-#include <new>
 
 #include "platform/imaging/AddressMark.h"
 #include "platform/imaging/PictureStrips.h"
@@ -14,8 +14,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr qsizetype chunkSize = 256 * 1024;
-constexpr qsizetype filteredSize = 256 * 1024;
+constexpr qsizetype filteredLimit = 256 * 1024;
 
 /// Large enough that a PDF of a tall page has few pictures, small enough that who unpacks one
 /// strip needs no more than 16 MB.
@@ -49,17 +48,8 @@ PngWriter::PngWriter(std::unique_ptr<PartFile> file, QSize devicePixels)
     : file_(std::move(file)),
       pixels_(devicePixels),
       rowsPerStrip_(rowsPerStrip(devicePixels.width())),
-      filter_(devicePixels.width()) {
-  // Negative window bits: bare blocks. The stream's own header and sum are written by hand, since
-  // the strips need sums of their own.
-  if (deflateInit2(&packer_, 6, Z_DEFLATED, -15, 9, Z_DEFAULT_STRATEGY) != Z_OK)
-    throw std::bad_alloc();
-  packed_.reserve(chunkSize + 1024);
-}
-
-PngWriter::~PngWriter() {
-  deflateEnd(&packer_);
-}
+      filter_(devicePixels.width()),
+      packer_([this](const QByteArray& packed) { return writePacked(packed); }) {}
 
 MaybeError PngWriter::writeHead(const PictureOptions& options) {
   if (auto error = file_->write({png::signature, sizeof png::signature})) return error;
@@ -85,51 +75,45 @@ MaybeError PngWriter::appendRows(const QImage& rows) {
   const QImage opaque = opaqueRows(rows, QImage::Format_RGB888);
   if (opaque.isNull()) return noMemoryForRows();
   for (int row = 0; row < opaque.height(); ++row) {
-    const qsizetype end = filtered_.size();
-    filtered_.resize(end + qsizetype(filter_.filteredSize()));
-    filter_.filter(opaque.constScanLine(row), reinterpret_cast<uchar*>(filtered_.data() + end));
-    ++rowsDone_;
-    ++strip_.rows;
+    filterRow(opaque.constScanLine(row));
     const bool stripEnds = int(strip_.rows) == rowsPerStrip_ || rowsDone_ == pixels_.height();
-    if (filtered_.size() < filteredSize && !stripEnds) continue;
-    if (auto error = stripEnds ? endStrip() : packFiltered(Z_NO_FLUSH)) return error;
+    if (filtered_.size() < filteredLimit && !stripEnds) continue;
+    if (auto error = stripEnds ? endStrip() : packFiltered(DeflateStream::Boundary::None))
+      return error;
   }
   return {};
 }
 
-MaybeError PngWriter::packFiltered(int flush) {
-  strip_.adler =
-      quint32(adler32_z(strip_.adler, reinterpret_cast<const Bytef*>(filtered_.constData()),
-                        size_t(filtered_.size())));
-  adler_ = quint32(adler32_z(adler_, reinterpret_cast<const Bytef*>(filtered_.constData()),
-                             size_t(filtered_.size())));
-  packer_.next_in = reinterpret_cast<Bytef*>(filtered_.data());
-  packer_.avail_in = uInt(filtered_.size());
-  do {
-    const qsizetype used = packed_.size();
-    packed_.resize(chunkSize);
-    packer_.next_out = reinterpret_cast<Bytef*>(packed_.data() + used);
-    packer_.avail_out = uInt(chunkSize - used);
-    deflate(&packer_, flush);
-    packed_.resize(chunkSize - qsizetype(packer_.avail_out));
-    if (packer_.avail_out) break;
-    if (auto error = writePacked()) return error;
-  } while (true);
-  filtered_.resize(0);
-  return {};
+void PngWriter::filterRow(const uchar* row) {
+  const qsizetype end = filtered_.size();
+  filtered_.resize(end + qsizetype(filter_.filteredSize()));
+  const FilteredRow kind = filter_.filter(row, reinterpret_cast<uchar*>(filtered_.data() + end));
+  if (kind == FilteredRow::Differences) ++rowsOfDifferences_;
+  ++rowsDone_;
+  ++strip_.rows;
 }
 
-MaybeError PngWriter::writePacked() {
-  if (packed_.isEmpty()) return {};
-  ++strip_.chunks;
-  auto error = png::writeChunk(*file_, "IDAT", packed_);
-  packed_.resize(0);
+MaybeError PngWriter::packFiltered(DeflateStream::Boundary boundary) {
+  const auto* bytes = reinterpret_cast<const Bytef*>(filtered_.constData());
+  strip_.adler = quint32(adler32_z(strip_.adler, bytes, size_t(filtered_.size())));
+  const qsizetype rows = filtered_.size() / qsizetype(filter_.filteredSize());
+  const auto content = rowsOfDifferences_ * 2 > rows ? DeflateStream::Content::Differences
+                                                     : DeflateStream::Content::Text;
+  auto error = packer_.pack(filtered_, content, boundary);
+  filtered_.resize(0);
+  rowsOfDifferences_ = 0;
   return error;
 }
 
+MaybeError PngWriter::writePacked(const QByteArray& packed) {
+  ++strip_.chunks;
+  return png::writeChunk(*file_, "IDAT", packed);
+}
+
 MaybeError PngWriter::endStrip() {
-  if (auto error = packFiltered(Z_FULL_FLUSH)) return error;
-  if (auto error = writePacked()) return error;
+  const qsizetype size = qsizetype(strip_.rows) * qsizetype(filter_.filteredSize());
+  if (auto error = packFiltered(DeflateStream::Boundary::Independent)) return error;
+  adler_ = quint32(adler32_combine(adler_, strip_.adler, size));
   strips_.push_back(std::exchange(strip_, {}));
   filter_.startAfresh();
   return {};

@@ -1,10 +1,9 @@
 #pragma once
 
-#include <zlib.h>
-
 #include <QByteArray>
 #include <vector>
 
+#include "platform/imaging/DeflateStream.h"
 #include "platform/imaging/PartFile.h"
 #include "platform/imaging/PictureWriter.h"
 #include "platform/imaging/RowFilter.h"
@@ -17,7 +16,6 @@ class PngWriter : public PictureWriter {
  public:
   static Result<std::unique_ptr<PictureWriter>> create(const QString& path, QSize devicePixels,
                                                        const PictureOptions& options);
-  ~PngWriter() override;
 
   MaybeError append(const QImage& rows) override;
   MaybeError finish() override;
@@ -32,8 +30,9 @@ class PngWriter : public PictureWriter {
   PngWriter(std::unique_ptr<PartFile> file, QSize devicePixels);
   MaybeError writeHead(const PictureOptions& options);
   MaybeError appendRows(const QImage& rows);
-  MaybeError packFiltered(int flush);
-  MaybeError writePacked();
+  void filterRow(const uchar* row);
+  MaybeError packFiltered(DeflateStream::Boundary boundary);
+  MaybeError writePacked(const QByteArray& packed);
   MaybeError endStrip();
   MaybeError writeTail();
 
@@ -42,9 +41,10 @@ class PngWriter : public PictureWriter {
   int rowsDone_ = 0;
   int rowsPerStrip_;
   RowFilter filter_;
-  z_stream packer_{};
+  DeflateStream packer_;
+  /// Rows that wait for the packer, and how many of them are differences.
   QByteArray filtered_;
-  QByteArray packed_;
+  qsizetype rowsOfDifferences_ = 0;
   Strip strip_;
   std::vector<Strip> strips_;
   quint32 adler_ = 1;

@@ -5,20 +5,24 @@
 
 namespace imaging {
 
+/// How a row was prepared: as it is (or as "the same as above"), or as differences from its
+/// neighbours.
+enum class FilteredRow { Plain, Differences };
+
 /// Prepares rows of 8-bit red, green and blue for compression (PNG, third edition, 9).
 class RowFilter {
  public:
   explicit RowFilter(int width);
 
   /// Filter byte and data: 1 + 3 x width bytes.
-  size_t filteredSize() const { return differences_.size() + 1; }
+  size_t filteredSize() const { return above_.size() + 1; }
   /// From the next row on, nothing refers to rows that were filtered before.
   void startAfresh() { hasRowAbove_ = false; }
   /// Writes `filteredSize()` bytes to `filtered`. `row` holds 3 x width bytes.
-  void filter(const uchar* row, uchar* filtered);
+  FilteredRow filter(const uchar* row, uchar* filtered);
 
  private:
-  void filterWithNeighbours(const uchar* row, uchar* filtered);
+  void writeDifferences(const uchar* row, uchar* filtered);
 
   std::vector<uchar> above_;
   std::vector<uchar> differences_;
