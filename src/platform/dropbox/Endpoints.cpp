@@ -15,7 +15,7 @@ bool isThisMachine(const QUrl& server) {
 }  // namespace
 
 Endpoints Endpoints::onServer(const QUrl& server) {
-  const QString base = server.toString(QUrl::StripTrailingSlash);
+  const QString base = server.toString(QUrl::RemovePath | QUrl::RemoveQuery | QUrl::RemoveFragment);
   return {QUrl(base + u"/oauth2/authorize"_s), QUrl(base + u"/oauth2/token"_s),
           QUrl(base + u"/2/"_s), QUrl(base + u"/2/"_s)};
 }
