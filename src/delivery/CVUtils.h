@@ -102,6 +102,11 @@ class CVUtils {
   /// A name of more than 200 UTF-16 units becomes its first and last 150 with "..." between them.
   static QString trimFileName(const QString& name);
 
+  /// A name that a file can have and a user can see: control characters and slashes become spaces,
+  /// a leading dot is masked, and the name is cut at a character to `longestInBytes` (the file
+  /// system's 255 less what numbering and writing beside the file add).
+  static QString legalFileName(const QString& name, qsizetype longestInBytes = 220);
+
   /// Encodes the picture in `data` (any format that can be read) in the bitmap file type (0 TIFF,
   /// 1 BMP, 2 GIF, 3 JPEG, 4 PNG, 5 JPEG 2000) and writes it whole or not at all. `compression` is
   /// the factor for JPEG and JPEG 2000, 0.0 (smallest) to 1.0 (best).

@@ -7,8 +7,6 @@
 #include "platform/base/Error.h"
 #include "platform/printing/PrintInfo.h"
 
-class QPainter;
-
 namespace printing {
 
 /// What a print operation can print. Main thread.
@@ -21,11 +19,7 @@ class PrintableView {
   /// True when the view's vertical axis points down.
   virtual bool isFlipped() const = 0;
 
-  /// Draws what belongs around the contents of one page; the painter's unit is a point, its origin
-  /// the page's upper left corner. `printTo` has it called once for each page, in order.
-  virtual void drawPageBorderWithSize(QPainter& painter, const QSizeF& pageSize) = 0;
-
-  /// Writes the pages as one PDF to `path`, whole or not at all, paginated as `info` says.
+  /// Writes the pages, with what the view draws in their margins, as one PDF to `path`, whole or not at all, paginated as `info` says.
   /// `completion` comes once, on the main thread, never before the call has returned.
   virtual void printTo(const PrintInfo& info, const QString& path,
                        std::function<void(MaybeError)> completion) = 0;

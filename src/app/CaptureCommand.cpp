@@ -1,0 +1,209 @@
+#include "app/CaptureCommand.h"
+
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFileInfo>
+
+#include "app/FixedSavePanel.h"
+#include "capture/CVURLEntry.h"
+#include "platform/dispatch/Dispatch.h"
+#include "platform/printing/PrintInfo.h"
+#include "platform/web/Engine.h"
+#include "queue/CVEntryTaskManager.h"
+#include "settings/CVDefaultPreferences.h"
+#include "settings/CVObjectRepository.h"
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+/// One page is converted while the next one loads.
+constexpr int pagesAtOnce = 2;
+
+tl::unexpected<Error> sourceError(const QString& text) {
+  return failure(u"source"_s, 1, text);
+}
+
+bool isWebAddress(const QUrl& url) {
+  return (url.scheme() == u"http"_s || url.scheme() == u"https"_s) && !url.host().isEmpty();
+}
+
+Result<QUrl> addressOfFile(const QString& path) {
+  const QFileInfo file(path);
+  if (!file.exists()) {
+    return sourceError(u"There is no such file, and it is no http, https or file address."_s);
+  }
+  if (file.isDir()) return sourceError(u"This is a folder; name an HTML file in it."_s);
+  QFile readable(path);
+  if (!readable.open(QIODevice::ReadOnly)) {
+    return sourceError(u"The file cannot be read: %1."_s.arg(readable.errorString()));
+  }
+  return QUrl::fromLocalFile(file.absoluteFilePath());
+}
+
+Result<QUrl> addressOfSource(const QString& source) {
+  const QUrl url(source, QUrl::StrictMode);
+  if (isWebAddress(url)) return url;
+  return addressOfFile(url.isLocalFile() ? url.toLocalFile() : source);
+}
+
+QString describe(const Error& error) {
+  if (!error.localizedDescription.isEmpty()) return error.localizedDescription;
+  return u"The page did not finish loading in two minutes."_s;
+}
+
+/// Turns an entry's notifications into the progress line.
+class ProgressObserver : public CVEntryDelegate {
+ public:
+  ProgressObserver(CaptureReport& report, qsizetype index) : report_(report), index_(index) {}
+
+  void entryCurrentURLChanged(CVEntry&, const std::optional<QUrl>&) override {}
+  void entryRepresentativeImageChanged(CVEntry&,
+                                       const std::shared_ptr<const imaging::Image>&) override {}
+  void entryTitleChanged(CVEntry&, const std::optional<QString>&) override {}
+  void entryError(CVEntry&, const std::shared_ptr<CVError>&) override {}
+  void entryStateChanged(CVEntry&, CVEntryState state) override {
+    if (state == CVEntryStateProcessing) show(u"Converting"_s);
+  }
+  void entryCompletionFactorChanged(CVEntry&, double factor) override {
+    if (factor >= 0 && factor < 1) show(u"Loading %1 %"_s.arg(qRound(100 * factor)));
+  }
+
+ private:
+  void show(const QString& step) {
+    dispatch::mainAsync(
+        [&report = report_, index = index_, step] { report.progress(index, step); });
+  }
+
+  CaptureReport& report_;
+  const qsizetype index_;
+};
+
+}  // namespace
+
+struct CaptureCommand::Job {
+  qsizetype index = 0;
+  std::shared_ptr<CVURLEntry> entry;
+  std::shared_ptr<ProgressObserver> observer;
+  QElapsedTimer clock;
+};
+
+CaptureCommand::CaptureCommand(CaptureOptions options, std::shared_ptr<web::Engine> engine)
+    : options_(std::move(options)), report_(options_, options_.sources.size()) {
+  services_.engine = std::move(engine);
+  services_.pixelsPerPoint = options_.scale;
+  services_.thumbnails = Thumbnails::NotShown;
+}
+
+CaptureCommand::~CaptureCommand() = default;
+
+void CaptureCommand::run(CVDefaultPreferences& settings, Finished finished) {
+  finished_ = std::move(finished);
+  applyTo(settings);
+  const auto file = preparePlace(settings);
+  if (!file) {
+    for (qsizetype index = 0; index < options_.sources.size(); ++index) {
+      CaptureResult result;
+      result.source = options_.sources[index];
+      result.error = file.error().localizedDescription;
+      report_.finished(index, std::move(result));
+    }
+    return finishIfComplete();
+  }
+  if (*file) {
+    services_.savePanel = std::make_shared<FixedSavePanel>(**file);
+    settings.setProcessAutomatically(false);
+  }
+  for (int started = 0; started < pagesAtOnce; ++started)
+    startNext();
+}
+
+void CaptureCommand::applyTo(CVDefaultPreferences& settings) const {
+  settings.setFormat(options_.format);
+  settings.setConversionMode(options_.mode);
+  settings.setDefaultSnapshotWidth(options_.width);
+  settings.setCompression(options_.compression);
+  settings.setPrependTitleWithWebsiteDomain(options_.prependDomain);
+  settings.setProcessAutomatically(true);
+  settings.setUsePagination(options_.paginate);
+  settings.setMargin(options_.margin);
+  settings.setOrientation(options_.orientation);
+  settings.setIncludeHeadersAndFooters(options_.headers);
+  if (options_.font) settings.setHeaderAndFooterFont(options_.font);
+  settings.setNotes(options_.notes);
+  if (!options_.paper) return;
+  printing::PrintInfo info = printing::PrintInfo::sharedPrintInfo();
+  info.setPaperSize(*options_.paper);
+  printing::PrintInfo::setSharedPrintInfo(info);
+}
+
+/// Sets the folder for the results, which is made if it is missing; or returns the file that a
+/// single source goes to.
+Result<std::optional<QUrl>> CaptureCommand::preparePlace(CVDefaultPreferences& settings) {
+  const QString output = options_.output.value_or(u"."_s);
+  const QFileInfo place(output);
+  const bool isFile = options_.sources.size() == 1 && !place.isDir() && !output.endsWith(u'/') &&
+                      !place.suffix().isEmpty();
+  const QString folder = isFile ? place.absolutePath() : place.absoluteFilePath();
+  if (!QDir().mkpath(folder)) {
+    return sourceError(u"The folder “%1” cannot be made."_s.arg(folder));
+  }
+  if (!QFileInfo(folder).isWritable()) {
+    return sourceError(u"The folder “%1” cannot be written to."_s.arg(folder));
+  }
+  settings.setDownloadLocation(QUrl::fromLocalFile(folder));
+  if (!isFile) return std::nullopt;
+  return QUrl::fromLocalFile(place.absoluteFilePath());
+}
+
+void CaptureCommand::startNext() {
+  if (nextSource_ == options_.sources.size()) return;
+  const auto job = std::make_shared<Job>();
+  job->index = nextSource_++;
+  job->clock.start();
+  const auto address = addressOfSource(options_.sources[job->index]);
+  if (!address) return end(job, address.error());
+  start(job, *address);
+}
+
+void CaptureCommand::start(const std::shared_ptr<Job>& job, const QUrl& address) {
+  job->entry = std::make_shared<CVURLEntry>(services_, address, std::nullopt, false);
+  job->observer = std::make_shared<ProgressObserver>(report_, job->index);
+  job->entry->setDelegate(job->observer);
+  CVObjectRepository::singleton().getEntryTaskManager()->enqueueEntryForPreparing(
+      job->entry, [this, job](const std::shared_ptr<CVEntry>&, const MaybeError& error) {
+        dispatch::mainAsync([=, this] { error ? end(job, error) : process(job); });
+      });
+}
+
+void CaptureCommand::process(const std::shared_ptr<Job>& job) {
+  CVObjectRepository::singleton().getEntryTaskManager()->enqueueEntryForProcessing(
+      job->entry, [this, job](const std::shared_ptr<CVEntry>&, const MaybeError& error) {
+        dispatch::mainAsync([=, this] { end(job, error); });
+      });
+}
+
+void CaptureCommand::end(const std::shared_ptr<Job>& job, const MaybeError& error) {
+  CaptureResult result;
+  result.source = options_.sources[job->index];
+  result.seconds = static_cast<double>(job->clock.elapsed()) / 1000;
+  if (const auto& entry = job->entry) {
+    result.address = entry->currentURL().value_or(QUrl()).toString(QUrl::FullyEncoded);
+    result.title = entry->title();
+    const CVConversionFacts facts = entry->conversionFacts().value_or(CVConversionFacts());
+    result.size = facts.size;
+    result.pages = facts.pages;
+    if (!error) result.file = entry->resultLocation().value_or(QUrl()).toLocalFile();
+  }
+  if (error) result.error = describe(*error);
+  job->entry.reset();
+  report_.finished(job->index, std::move(result));
+  startNext();
+  finishIfComplete();
+}
+
+void CaptureCommand::finishIfComplete() {
+  if (!report_.isComplete() || !finished_) return;
+  const Finished finished = std::exchange(finished_, nullptr);
+  finished(report_.anyFailed() ? 1 : 0);
+}

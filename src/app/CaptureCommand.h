@@ -1,0 +1,43 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+
+#include "app/CaptureOptions.h"
+#include "app/CaptureReport.h"
+#include "capture/CVCaptureServices.h"
+
+class CVDefaultPreferences;
+class CVURLEntry;
+
+/// One run of `corvalis capture`: its sources go through the task manager in order, the next page
+/// being loaded while the one before it is converted. Main thread.
+class CaptureCommand {
+ public:
+  using Finished = std::function<void(int exitStatus)>;
+
+  CaptureCommand(CaptureOptions options, std::shared_ptr<web::Engine> engine);
+  ~CaptureCommand();
+  CaptureCommand(const CaptureCommand&) = delete;
+  CaptureCommand& operator=(const CaptureCommand&) = delete;
+
+  /// `finished` comes once, on the main thread, when every source has ended.
+  void run(CVDefaultPreferences& settings, Finished finished);
+
+ private:
+  struct Job;
+
+  Result<std::optional<QUrl>> preparePlace(CVDefaultPreferences& settings);
+  void applyTo(CVDefaultPreferences& settings) const;
+  void startNext();
+  void start(const std::shared_ptr<Job>& job, const QUrl& address);
+  void process(const std::shared_ptr<Job>& job);
+  void end(const std::shared_ptr<Job>& job, const MaybeError& error);
+  void finishIfComplete();
+
+  const CaptureOptions options_;
+  CVCaptureServices services_;
+  CaptureReport report_;
+  Finished finished_;
+  qsizetype nextSource_ = 0;
+};
