@@ -13,6 +13,9 @@ enum PaginationMode { PaginationModeAutomatic = 0, PaginationModeFit = 1, Pagina
 /// The names of the settings in `PrintInfo::dictionary`.
 inline constexpr QLatin1StringView PrintJobDisposition{"PrintJobDisposition"};
 inline constexpr QLatin1StringView PrintJobSavingURL{"PrintJobSavingURL"};
+/// The values of the first.
+inline constexpr QLatin1StringView PrintSpoolJob{"PrintSpoolJob"};
+inline constexpr QLatin1StringView PrintSaveJob{"PrintSaveJob"};
 
 /// How a document is laid on pages. A value: copies are independent. Lengths are in points.
 class PrintInfo {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QTemporaryDir>
 #include <functional>
 #include <memory>
 
@@ -45,9 +46,13 @@ class PrintOperation : public std::enable_shared_from_this<PrintOperation> {
  private:
   PrintOperation(std::shared_ptr<PrintableView> view, const PrintInfo& info);
 
-  void render(std::optional<PrintSettings> settings);
-  void deliver(const PrintSettings& settings);
-  void finish(Result<PrintOutcome> outcome);
+  void showPanel();
+  void render(const std::optional<PrintSettings>& settings);
+  void deliver(const QString& path, PrintSettings settings);
+  void finish(const Result<PrintOutcome>& outcome);
+  /// Where the PDF is written: the saving URL, or a file of the operation's own. Empty when there
+  /// is none.
+  QString documentPath();
 
   std::shared_ptr<PrintableView> view_;
   PrintInfo info_;
@@ -56,7 +61,7 @@ class PrintOperation : public std::enable_shared_from_this<PrintOperation> {
   QString jobTitle_;
   std::shared_ptr<PrintService> service_;
   Completion completion_;
-  QString documentPath_;
+  std::unique_ptr<QTemporaryDir> folder_;
 };
 
 }  // namespace printing

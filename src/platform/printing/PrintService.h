@@ -25,6 +25,8 @@ enum ErrorCode {
   ErrorSettings,
 };
 
+Error makeError(ErrorCode code, const QString& description);
+
 struct PrinterQueue {
   QString name;
   /// What the administrator calls it; may be empty.

@@ -19,8 +19,9 @@ class PrintableView {
   /// True when the view's vertical axis points down.
   virtual bool isFlipped() const = 0;
 
-  /// Writes the pages, with what the view draws in their margins, as one PDF to `path`, whole or not at all, paginated as `info` says.
-  /// `completion` comes once, on the main thread, never before the call has returned.
+  /// Writes the pages, with what the view draws in their margins, as one PDF to `path`, whole or
+  /// not at all, paginated as `info` says. `completion` comes once, on the main thread, never
+  /// before the call has returned.
   virtual void printTo(const PrintInfo& info, const QString& path,
                        std::function<void(MaybeError)> completion) = 0;
 };
