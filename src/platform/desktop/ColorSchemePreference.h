@@ -19,7 +19,8 @@ class ColorSchemePreference {
   /// `Full` until the desktop has told otherwise.
   virtual Motion motion() const = 0;
 
-  /// Called after each change of either value, the first telling included. One observer.
+  /// Called after each change of either value, the one from the default to what the desktop tells
+  /// first included. One observer.
   virtual void setObserver(std::function<void()> changed) = 0;
 
   /// From the desktop portal (org.freedesktop.portal.Settings, namespace
