@@ -175,7 +175,8 @@ void CVURLEntry::writePicture(const QUrl& temporary, const QUrl& target,
   }
   const auto data = QByteArray::fromRawData(reinterpret_cast<const char*>(bytes), file.size());
   const unsigned type = CVPreferences::getFileTypeForConversionFormat(preferences.format());
-  utils()->saveDataToFile(data, target, type, preferences.compression(), error);
+  utils()->saveDataToFile(data, target, type, preferences.compression(), error,
+                          currentURL().value_or(QUrl()).toString(QUrl::FullyEncoded));
 }
 
 void CVURLEntry::deliverElsewhere(const QUrl& temporary, CVPreferences& preferences,

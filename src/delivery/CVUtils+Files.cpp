@@ -8,7 +8,7 @@
 #include "platform/base/Identifier.h"
 #include "platform/base/Log.h"
 #include "platform/base/UserFolders.h"
-#include "platform/imaging/ConvertPicture.h"
+#include "platform/imaging/PictureConversion.h"
 
 using namespace Qt::StringLiterals;
 
@@ -136,9 +136,10 @@ QString CVUtils::legalFileName(const QString& name, qsizetype longestInBytes) {
 }
 
 void CVUtils::saveDataToFile(const QByteArray& data, const QUrl& file, unsigned format,
-                             float compression, MaybeError& error) const {
-  error = imaging::convertPictureData(data, file.toLocalFile(),
-                                      static_cast<imaging::BitmapFileType>(format), compression);
+                             float compression, MaybeError& error,
+                             const std::optional<QString>& address) const {
+  error = imaging::convertPictureData(
+      data, file.toLocalFile(), imaging::bitmapFileTypeWithCode(format), compression, {address});
 }
 
 void CVUtils::setWhereFrom(const QString& address, const QString& path) const {

@@ -109,9 +109,11 @@ class CVUtils {
 
   /// Encodes the picture in `data` (any format that can be read) in the bitmap file type (0 TIFF,
   /// 1 BMP, 2 GIF, 3 JPEG, 4 PNG, 5 JPEG 2000) and writes it whole or not at all. `compression` is
-  /// the factor for JPEG and JPEG 2000, 0.0 (smallest) to 1.0 (best).
+  /// the factor for JPEG and JPEG 2000, 0.0 (smallest) to 1.0 (best). `address` is kept where the
+  /// format has a place for it.
   void saveDataToFile(const QByteArray& data, const QUrl& file, unsigned format, float compression,
-                      MaybeError& error) const;
+                      MaybeError& error,
+                      const std::optional<QString>& address = std::nullopt) const;
 
   /// Marks the file with the address that it came from: `user.xdg.origin.url` (freedesktop common
   /// extended attributes) and the property list that macOS keeps. File systems without attributes
