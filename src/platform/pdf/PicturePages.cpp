@@ -1,25 +1,22 @@
 #include "platform/pdf/PicturePages.h"
 
-#include <QFile>
 #include <QUrl>
-#include <QtEndian>
 #include <algorithm>
 #include <cmath>
 
 #include "platform/imaging/PictureStrips.h"
 #include "platform/pdf/PDFDocument.h"
 #include "platform/pdf/internal/InvisibleFont.h"
+#include "platform/pdf/internal/InvisibleText.h"
 #include "platform/pdf/internal/PictureOutline.h"
 #include "platform/pdf/internal/PictureSheet.h"
 #include "platform/pdf/internal/SequentialFile.h"
-#include "platform/pdf/internal/VisualOrder.h"
+#include "platform/pdf/internal/StripPainter.h"
 
 using namespace Qt::StringLiterals;
 
 namespace pdf {
 namespace {
-
-constexpr qint64 copyPiece = 1 << 20;
 
 Error pdfError(PDFErrorCode code, const QString& text) {
   return {QString::fromUtf16(errorDomain), code, text};
@@ -66,17 +63,15 @@ class PictureDocument {
   PictureDocument(const imaging::PictureStrips& picture, QSizeF documentSize,
                   const std::vector<PicturePage>& pages, const PictureText& text,
                   const QString& path)
-      : picture_(picture), text_(text), file_(path), input_(picture.path) {
+      : text_(text), file_(path), strips_(file_, picture) {
     for (const PicturePage& page : pages) {
       sheets_.emplace_back(page, documentSize, picture.pixels.height());
       pageObjects_.push_back(file_.reserve());
     }
-    for (size_t strip = 0; strip < picture.strips.size(); ++strip)
-      stripObjects_.push_back(file_.reserve());
   }
 
   MaybeError write() {
-    if (MaybeError error = writeStrips()) return error;
+    if (MaybeError error = strips_.write(sheets_)) return error;
     const int tree = file_.reserve(), catalog = file_.reserve();
     if (!text_.runs.empty()) fontObject_ = file_.reserve();
     for (size_t index = 0; index < sheets_.size(); ++index)
@@ -88,114 +83,6 @@ class PictureDocument {
   }
 
  private:
-  bool isShown(const imaging::PictureStrip& strip) const {
-    return std::any_of(sheets_.begin(), sheets_.end(), [&strip](const PictureSheet& sheet) {
-      return sheet.showsPartOf(strip.firstRow, strip.rows);
-    });
-  }
-
-  MaybeError writeStrips() {
-    if (!input_.open(QIODevice::ReadOnly)) return unreadable();
-    for (size_t index = 0; index < picture_.strips.size(); ++index) {
-      const imaging::PictureStrip& strip = picture_.strips[index];
-      if (!isShown(strip)) continue;
-      file_.beginStream(stripObjects_[index], stripEntries(strip), strip.compressedSize() + 8);
-      if (!copyStrip(strip)) return unreadable();
-      file_.endStream();
-    }
-    return std::nullopt;
-  }
-
-  Error unreadable() const {
-    return pdfError(PDFErrorUnreadable, u"The picture \"%1\" cannot be read: %2"_s.arg(
-                                            picture_.path, input_.errorString()));
-  }
-
-  QByteArray stripEntries(const imaging::PictureStrip& strip) const {
-    const QByteArray columns = QByteArray::number(picture_.pixels.width());
-    return "/Type /XObject /Subtype /Image /Width " + columns + " /Height " +
-           QByteArray::number(strip.rows) +
-           " /ColorSpace /DeviceRGB /BitsPerComponent 8 /Filter /FlateDecode /DecodeParms << "
-           "/Predictor 15 /Colors 3 "
-           "/BitsPerComponent 8 /Columns " +
-           columns + " >>";
-  }
-
-  /// The deflate blocks of the picture between a stream header, a last block and the check sum.
-  bool copyStrip(const imaging::PictureStrip& strip) {
-    file_.append(QByteArray(imaging::PictureStrips::streamHeader, 2));
-    for (const imaging::ByteRange& range : strip.ranges) {
-      if (!copyRange(range)) return false;
-    }
-    QByteArray sum(4, '\0');
-    qToBigEndian(strip.adler, sum.data());
-    file_.append(QByteArray(imaging::PictureStrips::lastBlock, 2) + sum);
-    return true;
-  }
-
-  bool copyRange(const imaging::ByteRange& range) {
-    if (!input_.seek(range.offset)) return false;
-    for (qint64 left = range.length; left > 0;) {
-      const QByteArray piece = input_.read(std::min(left, copyPiece));
-      if (piece.isEmpty()) return false;
-      file_.append(piece);
-      left -= piece.size();
-    }
-    return true;
-  }
-
-  QByteArray picturesOn(const PictureSheet& sheet, QByteArray& resources) const {
-    QByteArray content;
-    for (size_t index = 0; index < picture_.strips.size(); ++index) {
-      const imaging::PictureStrip& strip = picture_.strips[index];
-      if (!sheet.showsPartOf(strip.firstRow, strip.rows)) continue;
-      const QByteArray name = "/S" + QByteArray::number(static_cast<qint64>(index));
-      resources += ' ' + name + ' ' + SequentialFile::reference(stripObjects_[index]);
-      content += "q ";
-      if (!sheet.showsWholly(strip.firstRow, strip.rows)) content += clip(sheet.target());
-      content += imageMatrix(sheet.rowsOnPage(strip.firstRow, strip.rows)) + name + " Do Q\n";
-    }
-    return content;
-  }
-
-  static QByteArray clip(const QRectF& area) {
-    return number(area.x()) + ' ' + number(area.y()) + ' ' + number(area.width()) + ' ' +
-           number(area.height()) + " re W n ";
-  }
-
-  static QByteArray imageMatrix(const QRectF& area) {
-    return number(area.width()) + " 0 0 " + number(area.height()) + ' ' + number(area.x()) + ' ' +
-           number(area.y()) + " cm ";
-  }
-
-  QByteArray textOn(const PictureSheet& sheet) {
-    QByteArray content;
-    for (const TextRun& run : text_.runs) {
-      if (sheet.shows(run.rect.center().y())) content += shownRun(run, sheet);
-    }
-    return content.isEmpty() ? content : "BT 3 Tr\n" + content + "ET\n";
-  }
-
-  /// The space that ends a word stands beside its box, where the next word of the line is read.
-  QByteArray shownRun(const TextRun& run, const PictureSheet& sheet) {
-    const std::u32string line = visualOrder(run.text.simplified(), run.direction);
-    QRectF documentRect = run.rect;
-    if (documentRect.height() <= 0) documentRect.setHeight(run.fontSize);
-    const QRectF area = sheet.place(documentRect);
-    if (line.empty() || area.width() <= 0 || area.height() <= 0) return {};
-    const double stretch = area.width() / (font_.width(line) * area.height());
-    double x = area.x();
-    std::u32string shown = line;
-    if (run.endsWord && run.direction == TextDirection::LeftToRight) shown += U' ';
-    if (run.endsWord && run.direction == TextDirection::RightToLeft) {
-      shown = U' ' + line;
-      x -= font_.width(U" ") * area.height() * stretch;
-    }
-    return "/F " + number(area.height()) + " Tf " + number(stretch * 100) + " Tz 1 0 0 1 " +
-           number(x) + ' ' + number(area.y() + InvisibleFont::descent * area.height()) + " Tm " +
-           font_.encode(shown) + " Tj\n";
-  }
-
   QByteArray destination(double documentY) const {
     for (size_t index = 0; index < sheets_.size(); ++index) {
       if (!sheets_[index].shows(documentY)) continue;
@@ -233,15 +120,14 @@ class PictureDocument {
 
   void writePage(size_t index, int tree) {
     const PictureSheet& sheet = sheets_[index];
-    QByteArray images;
-    const QByteArray content = picturesOn(sheet, images) + textOn(sheet);
+    const StripPainter::Painting painting = strips_.paint(sheet);
     const QByteArray links = linksOn(sheet);
     const int contents = file_.reserve();
-    file_.writeStream(contents, {}, content);
+    file_.writeStream(contents, {}, painting.content + invisibleText(text_.runs, sheet, font_));
     QByteArray body = "<< /Type /Page /Parent " + SequentialFile::reference(tree) + " /MediaBox " +
                       box(QRectF(QPointF(0, 0), sheet.box())) + " /Contents " +
-                      SequentialFile::reference(contents) + " /Resources << /XObject <<" + images +
-                      " >>";
+                      SequentialFile::reference(contents) + " /Resources << /XObject << " +
+                      painting.resources + ">>";
     if (fontObject_) body += " /Font << /F " + SequentialFile::reference(*fontObject_) + " >>";
     body += " >>";
     if (sheet.userUnit() > 1) body += " /UserUnit " + number(sheet.userUnit());
@@ -271,13 +157,11 @@ class PictureDocument {
     file_.writeObject(catalog, body + " >>");
   }
 
-  const imaging::PictureStrips& picture_;
   const PictureText& text_;
   SequentialFile file_;
-  QFile input_;
+  StripPainter strips_;
   std::vector<PictureSheet> sheets_;
   std::vector<int> pageObjects_;
-  std::vector<int> stripObjects_;
   std::optional<int> fontObject_;
   InvisibleFont font_;
 };

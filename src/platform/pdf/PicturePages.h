@@ -78,7 +78,7 @@ struct WrittenPicturePages {
 PicturePage wholePicturePage(QSizeF documentSize, int rows);
 
 /// Writes a picture as a PDF. The picture's compressed rows go into the file as they are, nothing
-/// is decoded, and memory does not grow with the picture's height. A page may begin and end
+/// is packed again, and memory does not grow with the picture's height. A page may begin and end
 /// anywhere in the picture. `documentSize` is the size of the document that the picture shows, in
 /// points; the coordinates of `text` are in its measure. A run or link outside of all pages is left
 /// out. Text is invisible, can be searched, selected and copied in any script. `path` appears whole

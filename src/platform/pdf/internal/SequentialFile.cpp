@@ -22,7 +22,7 @@ int SequentialFile::reserve() {
 
 void SequentialFile::append(const QByteArray& bytes) {
   position_ += bytes.size();
-  file_.write(bytes);
+  if (file_.isOpen() && file_.error() == QFileDevice::NoError) file_.write(bytes);
 }
 
 void SequentialFile::beginObject(int object) {

@@ -1,0 +1,15 @@
+#pragma once
+
+#include <QByteArray>
+#include <QFile>
+#include <optional>
+
+#include "platform/imaging/PictureStrips.h"
+
+namespace pdf {
+
+/// The first row of a strip, three bytes a pixel. Unpacks no more than that row. Nothing when the
+/// file cannot be read or is damaged there.
+std::optional<QByteArray> firstRow(QFile& file, const imaging::PictureStrip& strip, int width);
+
+}  // namespace pdf

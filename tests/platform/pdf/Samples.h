@@ -1,0 +1,25 @@
+#pragma once
+
+#include <QRgb>
+#include <QSize>
+#include <QString>
+#include <QStringList>
+#include <functional>
+
+#include "platform/imaging/PictureStrips.h"
+
+namespace samples {
+
+/// A document of one page (612 x 792 points) for each text, the text in its middle.
+QString pages(const QStringList& texts);
+
+/// A document from the objects' text, numbered from 1, object 1 its catalog. The cross-reference table is right.
+QString fromObjects(const QStringList& objects, const QString& trailer = {});
+
+/// A picture file as the page engine's pictures are stored, and where its strips are.
+imaging::PictureStrips picture(QSize size, const std::function<QRgb(int x, int y)>& pixel);
+
+/// An encrypted copy of `path`; the password for reading is `password`.
+QString encrypted(const QString& path, const QString& password);
+
+}  // namespace samples
