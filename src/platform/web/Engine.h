@@ -20,7 +20,7 @@ struct EngineOptions {
 
 /// The browser process behind all pages. Main thread only. The process starts with the first page
 /// and is kept; when it crashes, its pages fail and the next page starts a new one.
-class Engine : public std::enable_shared_from_this<Engine> {
+class Engine {
  public:
   /// The program's own engine. Shut down when the application object ends.
   static std::shared_ptr<Engine> shared();
@@ -43,7 +43,7 @@ class Engine : public std::enable_shared_from_this<Engine> {
   std::optional<qint64> processIdentifier() const;
 
  private:
-  std::shared_ptr<EngineInstance> instance();
+  Result<std::shared_ptr<EngineInstance>> instance();
 
   EngineOptions options_;
   std::shared_ptr<EngineInstance> instance_;

@@ -2,10 +2,11 @@
 
 #include <QJsonValue>
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include "platform/web/PageConfiguration.h"
-#include "platform/web/PageObserver.h"
+#include "platform/web/PageObservers.h"
 #include "platform/web/Session.h"
 
 namespace web {
@@ -13,6 +14,14 @@ namespace web {
 class ChildFrames;
 class PageLoad;
 class PagePrompts;
+
+/// The browser's names for a page.
+struct PageTarget {
+  QString identifier;
+  QString session;
+  /// Of a private page: the store of its own, which ends with it. Else empty.
+  QString browserContext;
+};
 
 using ValueCallback = std::function<void(Result<QJsonValue>)>;
 
@@ -28,9 +37,8 @@ using FrameValuesCallback = std::function<void(std::vector<FrameValue>)>;
 /// reference closes the page; callbacks of commands under way are still called, with an error.
 class Page : public std::enable_shared_from_this<Page> {
  public:
-  /// `session` may be attached later; until then commands wait.
-  static std::shared_ptr<Page> create(const PageConfiguration& configuration,
-                                      std::shared_ptr<Session> session);
+  /// A page without a target: what is asked of it waits until it is attached.
+  static std::shared_ptr<Page> create(const PageConfiguration& configuration);
   ~Page();
   Page(const Page&) = delete;
   Page& operator=(const Page&) = delete;
@@ -83,24 +91,29 @@ class Page : public std::enable_shared_from_this<Page> {
   bool isClosed() const { return session_->isClosed(); }
 
   /// Called by the engine, once: the target exists, and its main frame has the target's identifier.
-  void attach(std::shared_ptr<Connection> connection, const QString& target,
-              const QString& session);
+  void attach(std::shared_ptr<Connection> connection, const PageTarget& target);
+  /// Asks the browser to end a target.
+  static void closeTarget(Connection& connection, const PageTarget& target);
+  /// Called by the engine: the browser's description of the target has changed.
+  void targetInfoChanged();
   /// Called by the engine: there is no browser any more, or no page could be made.
   void fail(const Error& reason);
-  const QString& targetIdentifier() const { return target_; }
-  PagePrompts& prompts() { return *prompts_; }
+  const QString& targetIdentifier() const { return target_.identifier; }
 
  private:
-  Page(const PageConfiguration& configuration, std::shared_ptr<Session> session);
+  explicit Page(const PageConfiguration& configuration);
   void configure();
   void handleCrash();
 
   PageConfiguration configuration_;
   std::shared_ptr<Session> session_;
-  QString target_;
+  PageTarget target_;
+  PageObservers observers_;
   std::unique_ptr<ChildFrames> childFrames_;
   std::unique_ptr<PagePrompts> prompts_;
   std::unique_ptr<PageLoad> load_;
+  std::vector<const void*> viewers_;
+  std::optional<PageRequest> viewersRequest_;
   std::vector<Subscription> subscriptions_;
 };
 

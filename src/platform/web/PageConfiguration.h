@@ -30,8 +30,8 @@ struct PageConfiguration {
 /// it; what the document refers to is still fetched. Such a document stays: it cannot navigate
 /// away.
 struct PageRequest {
-  QUrl url;
-  std::optional<QString> markup;
+  QUrl url = {};
+  std::optional<QString> markup = {};
   /// How long the main request may stay without an answer; each redirect starts it anew.
   std::chrono::milliseconds responseTimeout{5000};
   /// Refused: no `file:` address is read, neither as the page itself nor as a part of it.

@@ -9,17 +9,11 @@
 #include <memory>
 #include <vector>
 
-#include "platform/base/Error.h"
+#include "platform/web/Command.h"
 
 namespace web {
 
 class Connection;
-
-/// A reply with one large base64 field: that field decoded, and the other fields as they are.
-struct DataReply {
-  QByteArray data;
-  QJsonObject rest;
-};
 
 using ReplyCallback = std::function<void(Result<QJsonObject>)>;
 using DataCallback = std::function<void(Result<DataReply>)>;
@@ -57,6 +51,8 @@ class Session : public std::enable_shared_from_this<Session> {
   /// Ends the commands under way with `reason`; the session goes on.
   void failCommands(const Error& reason);
   bool isClosed() const { return closedReason_.has_value(); }
+  /// Only of a closed session.
+  const Error& closedReason() const { return *closedReason_; }
   const QString& identifier() const { return identifier_; }
   const std::shared_ptr<Connection>& connection() const { return connection_; }
 
@@ -64,12 +60,13 @@ class Session : public std::enable_shared_from_this<Session> {
   void deliverEvent(const QString& method, const QJsonObject& parameters);
 
  private:
-  void whenAttached(const QString& method, std::function<void(const MaybeError&)> start);
+  void sendCommand(Command command);
+  static void fail(const Command& command, const Error& reason);
 
   std::shared_ptr<Connection> connection_;
   QString identifier_;
   MaybeError closedReason_;
-  std::vector<std::function<void(const MaybeError&)>> waiting_;
+  std::vector<Command> waiting_;
   QHash<QString, std::vector<std::weak_ptr<const EventHandler>>> handlers_;
 };
 

@@ -1,0 +1,53 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+#include <memory>
+
+#include "platform/base/Error.h"
+#include "platform/web/EngineFolder.h"
+#include "platform/web/EngineProgram.h"
+#include "platform/web/FileDescriptor.h"
+
+class QProcess;
+
+namespace web {
+
+/// One browser process: in a session and process group of its own, with a private folder, driven
+/// over two pipes. It dies with our process, however that ends. Main thread only.
+class EngineProcess {
+ public:
+  static Result<std::unique_ptr<EngineProcess>> start(const EngineProgram& program,
+                                                      const QStringList& arguments);
+  /// Ends the process.
+  ~EngineProcess();
+  EngineProcess(const EngineProcess&) = delete;
+  EngineProcess& operator=(const EngineProcess&) = delete;
+
+  /// Our ends of the pipes, to be taken once.
+  FileDescriptor takeReadEnd() { return std::move(readEnd_); }
+  FileDescriptor takeWriteEnd() { return std::move(writeEnd_); }
+
+  qint64 processIdentifier() const { return processIdentifier_; }
+  QString folder() const { return folder_.path(); }
+  /// The last lines that the browser wrote to its standard error.
+  QString diagnostics();
+
+  enum class FolderRemoval { Now, InBackground };
+  /// Kills the process group, collects the process and removes the folder.
+  void end(FolderRemoval removal);
+
+ private:
+  explicit EngineProcess(EngineFolder folder);
+  bool run(const EngineProgram& program, const QStringList& arguments);
+  void collectDiagnostics();
+
+  EngineFolder folder_;
+  FileDescriptor readEnd_;
+  FileDescriptor writeEnd_;
+  std::unique_ptr<QProcess> process_;
+  qint64 processIdentifier_ = 0;
+  QByteArray diagnostics_;
+};
+
+}  // namespace web

@@ -1,0 +1,370 @@
+#include "platform/web/PageLoad.h"
+
+#include "platform/dispatch/Dispatch.h"
+#include "platform/web/LoadErrors.h"
+#include "platform/web/Page.h"
+#include "platform/web/WebError.h"
+
+using namespace Qt::StringLiterals;
+
+namespace web {
+namespace {
+
+/// A page that is busy for longer reports its title late rather than holding back its finish.
+constexpr std::chrono::seconds titleTimeout{2};
+
+}  // namespace
+
+PageLoad::PageLoad(Page& page, Session& session, PageObservers& observers)
+    : page_(page), session_(session), observers_(observers), gate_(session) {}
+
+/// The page is held while a handler runs: an observer may drop it.
+void PageLoad::on(Session& session, const char* method,
+                  void (PageLoad::*handler)(const QJsonObject&)) {
+  subscriptions_.push_back(session.addEventHandler(
+      QString::fromLatin1(method),
+      [this, weak = page_.weak_from_this(), handler](const QJsonObject& event) {
+        if (const auto page = weak.lock()) (this->*handler)(event);
+      }));
+}
+
+void PageLoad::begin() {
+  on(session_, "Page.frameAttached", &PageLoad::handleFrameAttached);
+  on(session_, "Page.frameDetached", &PageLoad::handleFrameDetached);
+  on(session_, "Page.frameStartedLoading", &PageLoad::handleStartedLoading);
+  on(session_, "Page.frameStoppedLoading", &PageLoad::handleStoppedLoading);
+  observeChild(session_);
+}
+
+void PageLoad::observeChild(Session& session) {
+  on(session, "Network.requestWillBeSent", &PageLoad::handleRequest);
+  on(session, "Network.responseReceived", &PageLoad::handleResponse);
+  on(session, "Network.dataReceived", &PageLoad::handleData);
+  on(session, "Network.loadingFinished", &PageLoad::handleRequestEnd);
+  on(session, "Network.loadingFailed", &PageLoad::handleRequestFailure);
+  on(session, "Page.frameNavigated", &PageLoad::handleFrameNavigated);
+  on(session, "Page.lifecycleEvent", &PageLoad::handleLifecycle);
+}
+
+void PageLoad::setMainFrame(const QString& identifier) {
+  frames_.setMainFrame(identifier);
+  gate_.setMainFrame(identifier);
+}
+
+void PageLoad::load(const PageRequest& request) {
+  ++generation_;
+  active_ = true;
+  committed_ = false;
+  request_ = request;
+  provisional_.reset();
+  answerTimer_.reset();
+  lastErrorText_.clear();
+  const QUrl url = gate_.prepare(request);
+  standIn_ = url == request.url ? QUrl() : url;
+  const auto begin = [this, weak = page_.weak_from_this(), generation = generation_] {
+    const auto page = weak.lock();
+    if (!page || generation != generation_) return;
+    progress_.restart();
+    reportedProgress_ = 0;
+    setLoading(true);
+  };
+  dispatch::mainAsync(begin);
+  if (!request.markup && request.url.isLocalFile() && request.localFiles == LocalFiles::Refused) {
+    const Error error =
+        makeError(LocalFileRefused, u"Files of this computer may not be loaded here."_s);
+    return dispatch::mainAsync(
+        [this, weak = page_.weak_from_this(), generation = generation_, error] {
+          const auto page = weak.lock();
+          if (page && generation == generation_) failWith(error);
+        });
+  }
+  navigate(url);
+}
+
+void PageLoad::navigate(const QUrl& url) {
+  awaitingReply_ = true;
+  const QJsonObject parameters{{u"url"_s, url.toString(QUrl::FullyEncoded)}};
+  session_.send(u"Page.navigate"_s, parameters,
+                [this, weak = page_.weak_from_this(), generation = generation_](const auto& reply) {
+                  const auto page = weak.lock();
+                  if (!page || generation != generation_) return;
+                  awaitingReply_ = false;
+                  if (active_) handleNavigateReply(reply);
+                });
+}
+
+void PageLoad::handleNavigateReply(const Result<QJsonObject>& reply) {
+  if (!reply) return failWith(makeError(LoadFailed, reply.error().localizedDescription));
+  const QString loader = (*reply)[u"loaderId"].toString();
+  const QString errorText = (*reply)[u"errorText"].toString();
+  if (errorText.isEmpty()) {
+    // Only the fragment differs from the address shown: the browser scrolls, but a load was asked
+    // for.
+    if (loader.isEmpty()) session_.send(u"Page.reload"_s, {});
+    return;
+  }
+  // The page itself has gone on to another address meanwhile.
+  if (provisional_ && provisional_->loader != loader) return;
+  const bool isDownload = (*reply)[u"isDownload"].toBool();
+  FailedRequest failed{currentURL(), errorText, {}, FailedRequest::Kind::Page};
+  if (isDownload) failed.kind = FailedRequest::Kind::Download;
+  if (provisional_) failed.response = provisional_->response;
+  failWith(describeFailure(failed));
+}
+
+void PageLoad::handleRequest(const QJsonObject& event) {
+  const QString identifier = event[u"requestId"].toString();
+  const QString frame = event[u"frameId"].toString();
+  requestFrames_.insert(identifier, frame);
+  progress_.requestStarted(identifier);
+  const bool isDocument = event[u"type"].toString() == u"Document";
+  if (isDocument && frames_.isMain(frame)) return handleMainRequest(event);
+  const std::optional<Frame> child = frames_.child(frame);
+  if (!isDocument || !child) return;
+  const Frame provisional{frame, Frame::Kind::Child, QUrl(event[u"request"][u"url"].toString())};
+  observers_.notify(event.contains(u"redirectResponse") ? &PageObserver::pageReceivedRedirect
+                                                        : &PageObserver::pageStartedProvisionalLoad,
+                    page_, provisional);
+}
+
+void PageLoad::handleMainRequest(const QJsonObject& event) {
+  const QString loader = event[u"loaderId"].toString();
+  if (loader == endedLoader_) return;
+  const QUrl url = shownURL(QUrl(event[u"request"][u"url"].toString()));
+  if (!provisional_ || provisional_->loader != loader) return beginProvisional(loader, url);
+  provisional_->url = url;
+  startAnswerTimer();
+  if (event.contains(u"redirectResponse"))
+    observers_.notify(&PageObserver::pageReceivedRedirect, page_, mainFrame());
+}
+
+void PageLoad::beginProvisional(const QString& loader, const QUrl& url) {
+  provisional_ = Provisional{loader, url, {}, awaitingReply_};
+  active_ = true;
+  committed_ = false;
+  lastErrorText_.clear();
+  startAnswerTimer();
+  setLoading(true);
+  reportProgress();
+  observers_.notify(&PageObserver::pageStartedProvisionalLoad, page_, mainFrame());
+}
+
+void PageLoad::startAnswerTimer() {
+  // Given markup is answered by ourselves.
+  if (request_.markup) return;
+  answerTimer_ =
+      dispatch::Timer::after(request_.responseTimeout, [this, weak = page_.weak_from_this()] {
+        if (const auto page = weak.lock()) handleNoAnswer();
+      });
+}
+
+void PageLoad::handleNoAnswer() {
+  if (!provisional_) return;
+  const QUrl url = provisional_->url;
+  session_.send(u"Page.stopLoading"_s, {});
+  failWith(describeNoAnswer(url, request_.responseTimeout));
+}
+
+void PageLoad::handleResponse(const QJsonObject& event) {
+  if (!provisional_ || event[u"requestId"].toString() != provisional_->loader) return;
+  answerTimer_.reset();
+  const QJsonObject response = event[u"response"].toObject();
+  provisional_->response = {provisional_->url, response[u"status"].toInt(),
+                            response[u"mimeType"].toString()};
+  observers_.notify(&PageObserver::pageReceivedResponse, page_, provisional_->response);
+}
+
+void PageLoad::handleData(const QJsonObject& event) {
+  const QString request = event[u"requestId"].toString();
+  const QString identifier = requestFrames_.value(request);
+  const std::optional<Frame> child = frames_.child(identifier);
+  if (!child && !frames_.isMain(identifier)) return;
+  observers_.notify(&PageObserver::pageReceivedData, page_, child ? *child : mainFrame(), request,
+                    qint64(event[u"dataLength"].toDouble()));
+}
+
+void PageLoad::handleRequestEnd(const QJsonObject& event) {
+  const QString request = event[u"requestId"].toString();
+  requestFrames_.remove(request);
+  progress_.requestEnded(request);
+  reportProgress();
+}
+
+void PageLoad::handleRequestFailure(const QJsonObject& event) {
+  const bool isMain = provisional_ && event[u"requestId"].toString() == provisional_->loader;
+  if (isMain) {
+    lastErrorText_ = event[u"errorText"].toString();
+    answerTimer_.reset();
+    // A navigation that the page itself began and that came to nothing leaves the document as it
+    // is.
+    if (event[u"canceled"].toBool() && !provisional_->requested) {
+      provisional_.reset();
+      active_ = !document_.finished;
+    }
+  }
+  handleRequestEnd(event);
+}
+
+void PageLoad::handleFrameAttached(const QJsonObject& event) {
+  frames_.attached(event[u"frameId"].toString());
+}
+
+void PageLoad::handleFrameDetached(const QJsonObject& event) {
+  // A frame that moves to another process is not gone.
+  if (event[u"reason"].toString() != u"swap") frames_.detached(event[u"frameId"].toString());
+}
+
+void PageLoad::handleFrameNavigated(const QJsonObject& event) {
+  const QJsonObject frame = event[u"frame"].toObject();
+  frames_.navigated(frame);
+  const QString identifier = frame[u"id"].toString();
+  if (frames_.isMain(identifier)) return commit(frame);
+  if (const std::optional<Frame> child = frames_.child(identifier))
+    observers_.notify(&PageObserver::pageCommittedLoad, page_, *child);
+}
+
+void PageLoad::commit(const QJsonObject& frame) {
+  const QString loader = frame[u"loaderId"].toString();
+  const QString unreachable = frame[u"unreachableUrl"].toString();
+  answerTimer_.reset();
+  frames_.clearChildren();
+  title_.clear();
+  const QUrl url = shownURL(QUrl(frame[u"url"].toString() + frame[u"urlFragment"].toString()));
+  document_ = {loader, url, frame[u"mimeType"].toString(), false};
+  if (loader == endedLoader_ || !active_) return;
+  if (!unreachable.isEmpty()) {
+    const QString text = lastErrorText_.isEmpty() ? u"net::ERR_FAILED"_s : lastErrorText_;
+    return failWith(describeFailure({QUrl(unreachable), text, {}, FailedRequest::Kind::Page}));
+  }
+  // Addresses without a request of their own, such as about:blank, are first heard of here.
+  if (!provisional_ || provisional_->loader != loader) beginProvisional(loader, url);
+  provisional_.reset();
+  answerTimer_.reset();
+  committed_ = true;
+  progress_.committed();
+  reportProgress();
+  observers_.notify(&PageObserver::pageCommittedLoad, page_, mainFrame());
+}
+
+void PageLoad::handleLifecycle(const QJsonObject& event) {
+  if (event[u"name"].toString() != u"load") return;
+  const QString identifier = event[u"frameId"].toString();
+  if (!frames_.isMain(identifier)) {
+    if (const std::optional<Frame> child = frames_.child(identifier))
+      observers_.notify(&PageObserver::pageFinishedLoad, page_, *child);
+    return;
+  }
+  if (event[u"loaderId"].toString() != document_.loader || document_.finished || !active_) return;
+  readTitle([this, loader = document_.loader] {
+    if (active_ && document_.loader == loader && !document_.finished) finish();
+  });
+}
+
+void PageLoad::finish() {
+  document_.finished = true;
+  active_ = provisional_.has_value();
+  progress_.finished();
+  reportProgress();
+  observers_.notify(&PageObserver::pageFinishedLoad, page_, mainFrame());
+  if (stoppedLoading_) setLoading(false);
+}
+
+/// The script value decides: what the browser calls a target's title is its address where it has
+/// none.
+void PageLoad::readTitle(std::function<void()> then) {
+  const QJsonObject parameters{{u"expression"_s, u"document.title"_s}, {u"returnByValue"_s, true}};
+  session_.send(
+      u"Runtime.evaluate"_s, parameters,
+      [this, weak = page_.weak_from_this(), then, loader = document_.loader](const auto& reply) {
+        const auto page = weak.lock();
+        if (!page || loader != document_.loader) return;
+        const QString title = reply ? (*reply)[u"result"][u"value"].toString() : QString();
+        if (!title.isEmpty() && title != title_) {
+          title_ = title;
+          observers_.notify(&PageObserver::pageReceivedTitle, page_, title_);
+        }
+        if (then) then();
+      },
+      titleTimeout);
+}
+
+void PageLoad::titleMayHaveChanged() {
+  if (!document_.loader.isEmpty() && document_.loader != endedLoader_) readTitle({});
+}
+
+void PageLoad::handleStartedLoading(const QJsonObject& event) {
+  if (!frames_.isMain(event[u"frameId"].toString())) return;
+  stoppedLoading_ = false;
+  if (active_) setLoading(true);
+}
+
+void PageLoad::handleStoppedLoading(const QJsonObject& event) {
+  if (!frames_.isMain(event[u"frameId"].toString())) return;
+  stoppedLoading_ = true;
+  if (!active_ && document_.finished) setLoading(false);
+}
+
+void PageLoad::stop() {
+  ++generation_;
+  session_.send(u"Page.stopLoading"_s, {});
+  endLoad();
+  dispatch::mainAsync([this, weak = page_.weak_from_this(), generation = generation_] {
+    const auto page = weak.lock();
+    if (page && generation == generation_) setLoading(false);
+  });
+}
+
+void PageLoad::fail(const Error& reason) {
+  if (!active_) return;
+  dispatch::mainAsync([this, weak = page_.weak_from_this(), generation = generation_, reason] {
+    const auto page = weak.lock();
+    if (page && generation == generation_ && active_) failWith(reason);
+  });
+}
+
+void PageLoad::endLoad() {
+  if (active_) endedLoader_ = provisional_ ? provisional_->loader : document_.loader;
+  active_ = false;
+  awaitingReply_ = false;
+  provisional_.reset();
+  answerTimer_.reset();
+}
+
+void PageLoad::failWith(const Error& reason) {
+  const LoadPhase phase =
+      provisional_ || !committed_ ? LoadPhase::Provisional : LoadPhase::Committed;
+  endLoad();
+  observers_.notify(&PageObserver::pageFailedLoad, page_, phase, reason);
+  setLoading(false);
+}
+
+void PageLoad::setLoading(bool loading) {
+  if (std::exchange(loading_, loading) != loading)
+    observers_.notify(&PageObserver::pageChangedLoading, page_, loading);
+}
+
+void PageLoad::reportProgress() {
+  const double estimate = progress_.estimate();
+  if (estimate <= reportedProgress_) return;
+  reportedProgress_ = estimate;
+  observers_.notify(&PageObserver::pageChangedProgress, page_, estimate);
+}
+
+Frame PageLoad::mainFrame() const {
+  return {frames_.main(), Frame::Kind::Main, provisional_ ? provisional_->url : document_.url};
+}
+
+QUrl PageLoad::shownURL(const QUrl& url) const {
+  return !standIn_.isEmpty() && url == standIn_ ? request_.url : url;
+}
+
+QUrl PageLoad::currentURL() const {
+  if (provisional_) return provisional_->url;
+  return awaitingReply_ || document_.loader.isEmpty() ? request_.url : document_.url;
+}
+
+QString PageLoad::mimeType() const {
+  return provisional_ ? provisional_->response.mimeType : document_.mimeType;
+}
+
+}  // namespace web

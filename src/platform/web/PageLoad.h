@@ -1,0 +1,125 @@
+#pragma once
+
+#include <QJsonObject>
+#include <QString>
+#include <QUrl>
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include "platform/dispatch/Timer.h"
+#include "platform/web/FrameTree.h"
+#include "platform/web/LoadProgress.h"
+#include "platform/web/PageObservers.h"
+#include "platform/web/RequestGate.h"
+#include "platform/web/Session.h"
+
+namespace web {
+
+class Page;
+
+/// Follows the loads of one page's main frame through the browser's events, those we ask for and
+/// those that the page or its user begins, and tells the observers. Part of its page.
+class PageLoad {
+ public:
+  PageLoad(Page& page, Session& session, PageObservers& observers);
+
+  /// Subscribes to the main frame's session. Called when the page is owned by a shared pointer.
+  void begin();
+  /// Takes frames of another process into account.
+  void observeChild(Session& session);
+  void setMainFrame(const QString& identifier);
+
+  void load(const PageRequest& request);
+  void stop();
+  void hold() { gate_.hold(); }
+  /// The load under way, if there is one, ends with `reason`.
+  void fail(const Error& reason);
+  /// The browser says that the page's title may have changed.
+  void titleMayHaveChanged();
+
+  QUrl currentURL() const;
+  const QString& title() const { return title_; }
+  QString mimeType() const;
+  double estimatedProgress() const { return progress_.estimate(); }
+  bool isLoading() const { return loading_; }
+
+ private:
+  /// A main request that has not become the document.
+  struct Provisional {
+    QString loader;
+    QUrl url;
+    Response response;
+    /// Begun by `load`, not by the page.
+    bool requested = false;
+  };
+  struct Document {
+    QString loader;
+    QUrl url;
+    QString mimeType;
+    bool finished = false;
+  };
+
+  void on(Session& session, const char* method, void (PageLoad::*handler)(const QJsonObject&));
+  void handleRequest(const QJsonObject& event);
+  void handleMainRequest(const QJsonObject& event);
+  void handleResponse(const QJsonObject& event);
+  void handleData(const QJsonObject& event);
+  void handleRequestEnd(const QJsonObject& event);
+  void handleRequestFailure(const QJsonObject& event);
+  void handleFrameAttached(const QJsonObject& event);
+  void handleFrameDetached(const QJsonObject& event);
+  void handleFrameNavigated(const QJsonObject& event);
+  void handleLifecycle(const QJsonObject& event);
+  void handleStartedLoading(const QJsonObject& event);
+  void handleStoppedLoading(const QJsonObject& event);
+  void handleNavigateReply(const Result<QJsonObject>& reply);
+
+  void navigate(const QUrl& url);
+  void beginProvisional(const QString& loader, const QUrl& url);
+  void commit(const QJsonObject& frame);
+  void finish();
+  void readTitle(std::function<void()> then);
+  void startAnswerTimer();
+  void handleNoAnswer();
+  void failWith(const Error& reason);
+  void endLoad();
+  void setLoading(bool loading);
+  void reportProgress();
+  Frame mainFrame() const;
+  QUrl shownURL(const QUrl& url) const;
+
+  Page& page_;
+  Session& session_;
+  PageObservers& observers_;
+  FrameTree frames_;
+  RequestGate gate_;
+  LoadProgress progress_;
+
+  PageRequest request_;
+  /// Address that stands in for the request's own, when no document can be served there.
+  QUrl standIn_;
+  /// Number of the load; what belongs to an earlier one is dropped.
+  int generation_ = 0;
+  /// A load is under way: neither finished, failed nor stopped.
+  bool active_ = false;
+  /// The navigation that was asked for has not been answered.
+  bool awaitingReply_ = false;
+  /// The load under way has replaced the document.
+  bool committed_ = false;
+  bool loading_ = false;
+  /// The browser has told that the main frame and the frames in it are done.
+  bool stoppedLoading_ = false;
+  double reportedProgress_ = 0;
+  std::optional<Provisional> provisional_;
+  Document document_;
+  /// The loader of a load that was ended; what the browser still tells of it does not count.
+  QString endedLoader_;
+  QString lastErrorText_;
+  QString title_;
+  QHash<QString, QString> requestFrames_;
+  std::unique_ptr<dispatch::Timer> answerTimer_;
+  std::vector<Subscription> subscriptions_;
+};
+
+}  // namespace web
