@@ -20,6 +20,7 @@
 #include "intake/CVPasteboard.h"
 #include "intake/CVRedirectHandler.h"
 #include "platform/defaults/UserDefaults.h"
+#include "platform/desktop/ApplicationService.h"
 #include "queue/CVEntryTable.h"
 #include "settings/CVDefaultPreferences.h"
 
@@ -32,7 +33,8 @@
 class CVAppDelegate : public std::enable_shared_from_this<CVAppDelegate>,
                       public CVEntryTableControllerDelegate,
                       public CVDefaultPreferencesObserver,
-                      public CVMiniBrowserWindowControllerDelegate {
+                      public CVMiniBrowserWindowControllerDelegate,
+                      public desktop::ApplicationReceiver {
  public:
   /// Makes a web-page entry. `source` is the captured document, none when the page is to be
   /// fetched; a zero size forces none. Called on pool threads.
@@ -105,11 +107,12 @@ class CVAppDelegate : public std::enable_shared_from_this<CVAppDelegate>,
   // --- The door: main thread (CVAppDelegate+CaptureProtocol.cpp) ------------------------------
 
   /// The program is called to the front.
-  void activate();
+  void activate(const QVariantMap& platformData) override;
   /// Each address is handled as a URL event of its own.
-  void open(const QStringList& addresses, const QVariantMap& platformData);
+  void open(const QStringList& addresses, const QVariantMap& platformData) override;
   /// "capture-from-safari", "capture-from-chrome" or "paste"; other names are logged and ignored.
-  void activateAction(const QString& name, const QVariantList& parameters);
+  void activateAction(const QString& name, const QVariantList& parameters,
+                      const QVariantMap& platformData) override;
 
   /// A URL event: an account redirect or a capture request of at most `CapturePayload::maximumSize`
   /// UTF-16 units. Returns at once; the request is decoded on the global queue, once `launched`.
@@ -134,7 +137,7 @@ class CVAppDelegate : public std::enable_shared_from_this<CVAppDelegate>,
                               const std::optional<QString>& source, const QSizeF& size) override;
 
   // --- Capture from the user's browsers (CVAppDelegate+BrowserCapture.cpp) --------------------
-  // May wait for the browser.
+  // These wait for the browser; the user's commands do so on another thread and return at once.
 
   /// Whether an entry was added.
   bool captureFromSafari();
@@ -197,18 +200,23 @@ class CVAppDelegate : public std::enable_shared_from_this<CVAppDelegate>,
   void withMainWindow(std::function<void(CVMainWindow& window)> act);
 
   void observeApplicationState();
+  void endWaits();
   void announceLaunched();
   void whenLaunched(std::function<void()> work);
-  void decodeCaptureRequest(const QString& text);
+  void decodeCaptureRequest(QString text);
   void openDirectURL(const std::optional<QUrl>& url);
   void redirectEnded(CVRedirectOutcome outcome);
   void processURL(const QUrl& url);
   void beginProcessingURLs();
   void endProcessingURLs();
-  void enqueueAll(bool processAutomatically);
+  void enqueueAll(const std::vector<std::shared_ptr<CVEntry>>& entries, bool processAutomatically);
   void allProcessed(bool processAutomatically);
   void saveAsMultipagePDF(const QString& mode);
   void emailAsMultipagePDF(const QString& mode);
+  void mergeInBackground(const QList<QUrl>& files, const QUrl& target);
+  /// Whether the document was written; the cause of a failure is logged.
+  bool mergePDFURLs(const QList<QUrl>& files, const QUrl& target);
+  std::optional<QUrl> mergedTemporaryPDF(const QString& mode);
   QList<QUrl> temporaryPDFsOfEntries(const QString& mode);
   void waitUntilIdle(const CVEntry& entry);
 
@@ -224,6 +232,7 @@ class CVAppDelegate : public std::enable_shared_from_this<CVAppDelegate>,
 
   std::atomic<bool> isForeground_ = false;
   std::atomic<bool> launched_ = false;
+  std::atomic<bool> isEnding_ = false;
 
   /// Told whenever an entry's state or the queue's length changes.
   std::mutex entriesMutex_;
