@@ -1,0 +1,118 @@
+(() => {
+  // Beyond this the engine's own layout is exhausted to the right; nothing of a page is meant to be seen.
+  const widest = 16384;
+
+  const viewportElement = () => document.scrollingElement ?? document.documentElement;
+
+  // Overflow of the root, or of the body where the root has none, is the viewport's.
+  const hidesOverflowRight = () => {
+    const hiding = ['hidden', 'clip'];
+    const root = getComputedStyle(document.documentElement);
+    if (root.overflowX !== 'visible') return hiding.includes(root.overflowX);
+    return document.body !== null && hiding.includes(getComputedStyle(document.body).overflowX);
+  };
+
+  const bottomMargin = (element) => parseFloat(getComputedStyle(element).marginBottom) || 0;
+
+  // How far down the boxes of a document reach that is lower than the viewport. In quirks mode root and
+  // body fill the viewport, so only what is in them counts there.
+  const lowHeight = () => {
+    const quirks = document.compatMode === 'BackCompat';
+    const filled = quirks ? [document.documentElement, document.body] : [];
+    let bottom = 0;
+    for (const element of corvalisPage.elements(document)) {
+      if (filled.includes(element)) continue;
+      const box = element.getBoundingClientRect();
+      if (box.width === 0 && box.height === 0) continue;
+      const style = getComputedStyle(element);
+      if (style.position === 'fixed' || style.visibility === 'hidden') continue;
+      bottom = Math.max(bottom, box.bottom + scrollY);
+    }
+    if (document.body && quirks) {
+      const range = document.createRange();
+      range.selectNodeContents(document.body);
+      bottom = Math.max(bottom, range.getBoundingClientRect().bottom + scrollY);
+      if (bottom > 0) bottom += bottomMargin(document.body);
+    }
+    return bottom;
+  };
+
+  corvalisPage.size = () => {
+    const root = viewportElement();
+    const width = hidesOverflowRight() ? innerWidth : Math.min(Math.max(root.scrollWidth, innerWidth), widest);
+    const fitsViewport = root.scrollHeight <= innerHeight;
+    const height = fitsViewport ? Math.min(lowHeight(), innerHeight) : root.scrollHeight;
+    return { width, height: Math.ceil(height), viewportWidth: innerWidth, viewportHeight: innerHeight };
+  };
+
+  const isFixedToViewport = (element) => {
+    const before = element.getBoundingClientRect().top;
+    const start = scrollY;
+    corvalisPage.jumpTo(0, start === 0 ? 1 : 0);
+    const moved = scrollY - start;
+    const after = element.getBoundingClientRect().top;
+    corvalisPage.jumpTo(0, start);
+    return moved === 0 || Math.abs(after - before) < 0.5;
+  };
+
+  const isBottomBar = (box) =>
+    box.top > innerHeight / 4 && (box.top + box.bottom) / 2 > innerHeight / 2 + 1 && box.top < innerHeight;
+
+  const isOutside = (box) => box.top >= innerHeight || box.bottom <= 0;
+
+  // A fixed element keeps its size and place of the screen when the viewport changes around it.
+  const pin = (element, shift) => {
+    const style = getComputedStyle(element);
+    corvalisPage.override(element, {
+      transition: 'none',
+      width: style.width,
+      height: style.height,
+      left: style.left,
+      right: 'auto',
+      top: `${parseFloat(style.top) + shift}px`,
+      bottom: 'auto',
+    });
+  };
+
+  // Printed pages would each repeat it: it becomes part of the document, at the same place.
+  const attach = (element, wantedTop, wantedLeft) => {
+    corvalisPage.override(element, { position: 'absolute' });
+    const box = element.getBoundingClientRect();
+    const style = getComputedStyle(element);
+    corvalisPage.override(element, {
+      top: `${(parseFloat(style.top) || 0) + wantedTop - box.top}px`,
+      left: `${(parseFloat(style.left) || 0) + wantedLeft - box.left}px`,
+    });
+  };
+
+  const placeFixed = (element, documentHeight, pages) => {
+    const box = element.getBoundingClientRect();
+    if (box.width === 0 && box.height === 0) return;
+    // A drawer that waits below or above the screen must not show in a picture that goes further.
+    if (isOutside(box)) return corvalisPage.override(element, { transition: 'none', opacity: '0' });
+    const shift = isBottomBar(box) ? Math.max(0, documentHeight - innerHeight) : 0;
+    pin(element, shift);
+    if (pages === 'many') attach(element, box.top + shift, box.left);
+  };
+
+  // Lays the document out flat, as it is to be pictured from top to end: what sticks to an edge of the
+  // viewport goes to its own place, bars at the bottom go to the end. `restore` takes it back.
+  corvalisPage.flatten = (pages) => {
+    const x = scrollX;
+    const y = scrollY;
+    corvalisPage.onRestore(() => corvalisPage.jumpTo(x, y));
+    corvalisPage.jumpTo(0, 0);
+    const fixed = [];
+    for (const element of corvalisPage.elements(document)) {
+      const position = getComputedStyle(element).position;
+      if (position === 'fixed') fixed.push(element);
+      if (position !== 'sticky') continue;
+      corvalisPage.override(element, {
+        position: 'relative', top: 'auto', bottom: 'auto', left: 'auto', right: 'auto',
+      });
+    }
+    const size = corvalisPage.size();
+    for (const element of fixed.filter(isFixedToViewport)) placeFixed(element, size.height, pages);
+    return size;
+  };
+})();

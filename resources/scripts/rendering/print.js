@@ -1,0 +1,75 @@
+(() => {
+  const viewportUnits = ['vh', 'vmin', 'vmax', 'vw', 'vb', 'vi'];
+
+  corvalisPage.viewport = () => ({ width: innerWidth, height: innerHeight });
+
+  corvalisPage.mediaMatches = (conditions) => conditions.map((condition) => matchMedia(condition).matches);
+
+  // The inline styles in viewport units and the media attributes, for the caller to settle.
+  const inlineElements = () => {
+    const found = [];
+    const selector = viewportUnits.map((unit) => `[style*="${unit}" i]`).join();
+    for (const root of corvalisPage.roots(document)) found.push(...root.querySelectorAll(selector));
+    return found;
+  };
+
+  const mediaElements = () => {
+    const selector = 'style[media], link[media], source[media]';
+    return corvalisPage.roots(document).flatMap((root) => [...root.querySelectorAll(selector)]);
+  };
+
+  let inline = [];
+  let media = [];
+
+  corvalisPage.inlineStyles = () => {
+    inline = inlineElements();
+    media = mediaElements();
+    return {
+      styles: inline.map((element) => element.style.cssText),
+      media: media.map((element) => element.getAttribute('media')),
+    };
+  };
+
+  // Texts in the order of `inlineStyles`; null leaves an element as it is.
+  corvalisPage.setInlineStyles = (styles, medias) => {
+    styles.forEach((text, index) => {
+      if (text === null) return;
+      const element = inline[index];
+      const old = element.style.cssText;
+      element.style.cssText = text;
+      corvalisPage.onRestore(() => { element.style.cssText = old; });
+    });
+    medias.forEach((text, index) => {
+      if (text !== null) corvalisPage.overrideAttribute(media[index], 'media', text);
+    });
+    return true;
+  };
+
+  // An identifier that no element has raises the weight of our rules above the page's.
+  const heavy = ':not(#corvalis-a#corvalis-b#corvalis-c)';
+
+  // Colours as on the screen. On one tall page nothing may break or be put on a page of its own.
+  corvalisPage.addPrintRules = (pages, margins, layoutWidth) => {
+    const rules = [`*${heavy} { print-color-adjust: exact !important; }`];
+    // The page's own paper, margins and margin boxes lose, on first, left, right and named pages too.
+    const boxes = ['top', 'bottom'].flatMap((edge) =>
+      ['left-corner', 'left', 'center', 'right', 'right-corner'].map((place) => `@${edge}-${place}`));
+    const sides = ['left', 'right'].flatMap((edge) =>
+      ['top', 'middle', 'bottom'].map((place) => `@${edge}-${place}`));
+    const empty = [...boxes, ...sides].map((box) => `${box} { content: none !important; }`).join(' ');
+    for (const which of ['', ':first', ':left', ':right', ':blank']) {
+      rules.push(`@page ${which} { size: auto !important; margin: ${margins} !important; ${empty} }`);
+    }
+    if (pages === 'one') {
+      rules.push(`*${heavy}, *${heavy}::before, *${heavy}::after {
+        break-before: auto !important; break-after: auto !important; break-inside: auto !important;
+        page: auto !important; }`);
+    }
+    // Content that overflows to the right makes the paper wider, not the layout.
+    if (layoutWidth) {
+      rules.push(`html${heavy} { width: ${layoutWidth}px !important; max-width: none !important; }`);
+    }
+    corvalisPage.addSheet(rules.join('\n'));
+    return true;
+  };
+})();

@@ -1,0 +1,145 @@
+#include "platform/rendering/SettledStyles.h"
+
+#include <QJsonObject>
+
+#include "platform/rendering/PageScript.h"
+#include "platform/web/Page.h"
+
+namespace rendering {
+namespace {
+
+using namespace Qt::StringLiterals;
+
+QStringList stringsOf(const QJsonValue& list) {
+  QStringList strings;
+  for (const QJsonValue& value : list.toArray())
+    strings.append(value.toString());
+  return strings;
+}
+
+/// Calls `then` when it is dropped by the last of those who were given it.
+using AllDone = std::shared_ptr<void>;
+
+AllDone whenAllDone(std::function<void()> then) {
+  return {nullptr, [then = std::move(then)](void*) { then(); }};
+}
+
+}  // namespace
+
+void SettledStyles::settle(const std::shared_ptr<web::Page>& page, const ScreenViewport& viewport,
+                           Settled callback) {
+  std::shared_ptr<SettledStyles> styles(new SettledStyles(page, viewport));
+  styles->callback_ = std::move(callback);
+  styles->start();
+}
+
+/// The engine lists all sheets that there are before it answers that the domain is enabled.
+void SettledStyles::start() {
+  subscription_ = page_->addEventHandler(
+      u"CSS.styleSheetAdded"_s, [weak = weak_from_this()](const QJsonObject& parameters) {
+        if (const auto self = weak.lock())
+          self->noteSheet(parameters.value("header"_L1).toObject());
+      });
+  page_->send(u"DOM.enable"_s);
+  page_->send(u"CSS.enable"_s, {}, [self = shared_from_this()](const Result<QJsonObject>& reply) {
+    self->subscription_.reset();
+    reply ? self->readSheets() : self->finish(reply.error());
+  });
+}
+
+void SettledStyles::noteSheet(const QJsonObject& header) {
+  const bool ofPage = header.value("origin"_L1).toString() == u"regular" &&
+                      header.value("frameId"_L1).toString() == page_->targetIdentifier();
+  // The viewport of a frame is the frame itself, which keeps its size in print.
+  if (ofPage) sheets_.push_back({header.value("styleSheetId"_L1).toString(), {}, {}});
+}
+
+void SettledStyles::readSheets() {
+  const AllDone done = whenAllDone([self = shared_from_this()] { self->readInlineStyles(); });
+  for (size_t index = 0; index < sheets_.size(); ++index) {
+    page_->send(u"CSS.getStyleSheetText"_s, {{"styleSheetId"_L1, sheets_[index].identifier}},
+                [self = shared_from_this(), done, index](const Result<QJsonObject>& reply) {
+                  // A sheet that went away meanwhile has nothing to settle.
+                  if (reply) self->sheets_[index].text = reply->value("text"_L1).toString();
+                });
+  }
+}
+
+void SettledStyles::readInlineStyles() {
+  callPageScript(page_, u"inlineStyles"_s, {},
+                 [self = shared_from_this()](Result<QJsonValue> value) {
+                   if (!value) return self->finish(value.error());
+                   const QJsonObject styles = value->toObject();
+                   self->inlineStyles_ = stringsOf(styles.value("styles"_L1));
+                   self->media_ = stringsOf(styles.value("media"_L1));
+                   self->askConditions();
+                 });
+}
+
+void SettledStyles::askConditions() {
+  for (const Sheet& sheet : sheets_)
+    conditions_ += viewportConditions(sheet.text, viewport_.change);
+  for (const QString& media : media_) {
+    conditions_ += viewportConditions(u"@media "_s + media + u'{', viewport_.change);
+  }
+  conditions_.removeDuplicates();
+  if (conditions_.isEmpty()) return change({});
+  callPageScript(page_, u"mediaMatches"_s, {QJsonArray::fromStringList(conditions_)},
+                 [self = shared_from_this()](Result<QJsonValue> value) {
+                   value ? self->change(value->toArray()) : self->finish(value.error());
+                 });
+}
+
+void SettledStyles::change(const QJsonArray& answers) {
+  for (qsizetype index = 0; index < conditions_.size(); ++index) {
+    viewport_.conditions.insert(conditions_[index], answers.at(index).toBool());
+  }
+  const AllDone done = whenAllDone([self = shared_from_this()] { self->changeInlineStyles(); });
+  for (Sheet& sheet : sheets_) {
+    sheet.settled = settledStyleSheet(sheet.text, viewport_);
+    if (sheet.settled) setText(sheet, *sheet.settled, [done] {});
+  }
+}
+
+void SettledStyles::setText(const Sheet& sheet, const QString& text, std::function<void()> then) {
+  page_->send(u"CSS.setStyleSheetText"_s,
+              {{"styleSheetId"_L1, sheet.identifier}, {"text"_L1, text}},
+              [then = std::move(then)](const auto&) { then(); });
+}
+
+void SettledStyles::changeInlineStyles() {
+  QJsonArray styles;
+  QJsonArray media;
+  const auto value = [](const std::optional<QString>& text) {
+    return text ? QJsonValue(*text) : QJsonValue();
+  };
+  for (const QString& text : inlineStyles_)
+    styles.append(value(settledDeclarations(text, viewport_)));
+  for (const QString& text : media_)
+    media.append(value(settledMedia(text, viewport_)));
+  callPageScript(page_, u"setInlineStyles"_s, {styles, media},
+                 [self = shared_from_this()](const Result<QJsonValue>& done) {
+                   self->finish(done ? MaybeError() : done.error());
+                 });
+}
+
+void SettledStyles::finish(MaybeError error) {
+  const Settled callback = std::move(callback_);
+  if (!error) return callback(shared_from_this());
+  restore([callback, error] { callback(tl::unexpected(*error)); });
+}
+
+void SettledStyles::restore(std::function<void()> then) {
+  {
+    const AllDone done = whenAllDone([self = shared_from_this(), then = std::move(then)] {
+      self->page_->send(u"CSS.disable"_s);
+      self->page_->send(u"DOM.disable"_s, {}, [then](const auto&) { then(); });
+    });
+    for (const Sheet& sheet : sheets_) {
+      if (sheet.settled) setText(sheet, sheet.text, [done] {});
+    }
+  }
+  sheets_.clear();
+}
+
+}  // namespace rendering
