@@ -134,7 +134,7 @@ void addOptions(Options& options, const PrintSettings& settings) {
     options.add(name, value);
 }
 
-/// One job on its way: created, filled, and cancelled unless it was filled to the end.
+/// One job on its way: created, then filled.
 class Submission {
  public:
   Submission(http_t* connection, cups_dest_t* destination, cups_dinfo_t* details)
@@ -145,12 +145,12 @@ class Submission {
     if (cupsCreateDestJob(connection_, destination_, details_, &job_, name.constData(),
                           options.count, options.list) > IPP_STATUS_OK_EVENTS_COMPLETE)
       return tl::unexpected(lastError(queue()));
-    const MaybeError error = send(document, name);
-    if (!error) return job_;
-    // On a new connection of its own making: this one may hold half a document.
-    cupsCancelJob2(CUPS_HTTP_DEFAULT, destination_->name, job_, 1);
-    return tl::unexpected(*error);
+    if (const MaybeError error = send(document, name)) return tl::unexpected(*error);
+    return job_;
   }
+
+  /// 0 as long as there is none.
+  int job() const { return job_; }
 
  private:
   QString queue() const { return QString::fromUtf8(destination_->name); }
@@ -187,6 +187,7 @@ class CupsPrintService : public PrintService {
 
  private:
   Result<Connection> connect() const;
+  void cancel(const char* queue, int job) const;
   Result<int> submitOn(http_t* connection, QFile& document, const PrintSettings& settings) const;
 
   std::optional<QString> server_;
@@ -231,6 +232,12 @@ Result<int> CupsPrintService::submitDocument(const QString& path, const PrintSet
   return submitOn(connection->get(), document, settings);
 }
 
+/// Removes a job without its whole document, on a connection that does not have half a document on
+/// its way.
+void CupsPrintService::cancel(const char* queue, int job) const {
+  if (const auto connection = connect()) cupsCancelJob2(connection->get(), queue, job, 1);
+}
+
 Result<int> CupsPrintService::submitOn(http_t* connection, QFile& document,
                                        const PrintSettings& settings) const {
   const QList<QByteArray> name = settings.queue.value_or(QString()).toUtf8().split('/');
@@ -253,8 +260,10 @@ Result<int> CupsPrintService::submitOn(http_t* connection, QFile& document,
     options.add(QString::fromUtf8(destination.list->options[i].name),
                 QString::fromUtf8(destination.list->options[i].value));
   addOptions(options, settings);
-  return Submission(connection, destination.list, details.get())
-      .submit(document, options, settings.title);
+  Submission submission(connection, destination.list, details.get());
+  const Result<int> job = submission.submit(document, options, settings.title);
+  if (!job && submission.job() != 0) cancel(destination.list->name, submission.job());
+  return job;
 }
 
 }  // namespace

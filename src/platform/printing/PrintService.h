@@ -50,9 +50,9 @@ class PrintService {
   virtual Result<int> submitDocument(const QString& path, const PrintSettings& settings) = 0;
 };
 
-/// The CUPS scheduler that the client configuration names (CUPS_SERVER, client.conf, the local
-/// socket).
-std::shared_ptr<PrintService> makePrintService();
+/// The CUPS scheduler at `server` (a host or the path of a socket); none: the one that the client
+/// configuration names (CUPS_SERVER, client.conf, the local socket).
+std::shared_ptr<PrintService> makePrintService(const std::optional<QString>& server = std::nullopt);
 
 /// Delivers a finished PDF: to `settings.outputFile` as a copy (the job's number is then 0), else
 /// to `service`. Blocks; for worker threads.
