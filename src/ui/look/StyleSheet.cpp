@@ -1,0 +1,50 @@
+#include "ui/look/StyleSheet.h"
+
+#include "ui/look/Theme.h"
+
+using namespace Qt::StringLiterals;
+
+namespace ui {
+namespace {
+
+/// Roles stand as @role; the longer names come first where one begins with another.
+const QString sheet =
+    uR"(
+QToolTip { color: @text; background: @surface; border: 1px solid @hairline; padding: 3px 6px; }
+QMenuBar { background: @window; color: @text; border: none; }
+QMenuBar::item { padding: 4px 8px; border-radius: 4px; background: transparent; }
+QMenuBar::item:selected { background: @hairline; }
+QMenu { background: @surface; color: @text; border: 1px solid @hairline; padding: 4px; }
+QMenu::item { padding: 5px 20px 5px 16px; border-radius: 4px; }
+QMenu::item:selected { background: @accent; color: @ground; }
+QMenu::item:disabled { color: @secondary; background: transparent; }
+QMenu::separator { height: 1px; background: @hairline; margin: 4px 8px; }
+QToolButton { border: 2px solid transparent; border-radius: 6px; padding: 2px; background: transparent; }
+QToolButton:hover { background: @hairline; }
+QToolButton:pressed, QToolButton:checked { background: @hairline; }
+QToolButton:focus { border-color: @accent; }
+QScrollBar:vertical { width: 10px; background: transparent; margin: 0; border: none; }
+QScrollBar::handle:vertical { background: @secondary; border-radius: 3px; min-height: 28px; margin: 2px; }
+QScrollBar::add-line, QScrollBar::sub-line { width: 0; height: 0; }
+QScrollBar::add-page, QScrollBar::sub-page { background: transparent; }
+)"_s;
+
+}  // namespace
+
+QString styleSheet(const Theme& theme) {
+  QString text = sheet;
+  const std::pair<QLatin1StringView, QColor> roles[] = {
+      {"@text"_L1, theme.text},
+      {"@surface"_L1, theme.surface},
+      {"@window"_L1, theme.window},
+      {"@hairline"_L1, theme.hairline},
+      {"@accent"_L1, theme.accent},
+      {"@ground"_L1, theme.onAccent},
+      {"@secondary"_L1, theme.secondaryText},
+  };
+  for (const auto& [name, colour] : roles)
+    text.replace(name, colour.name());
+  return text;
+}
+
+}  // namespace ui
