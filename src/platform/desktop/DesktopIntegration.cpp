@@ -1,0 +1,188 @@
+#include "platform/desktop/DesktopIntegration.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QProcess>
+#include <QSaveFile>
+#include <QStandardPaths>
+#include <optional>
+
+#include "platform/base/Log.h"
+#include "platform/desktop/internal/Launch.h"
+#include "platform/desktop/internal/MimeAppsEdit.h"
+
+// Resources of a static library are registered by a call outside every namespace.
+static void registerTemplates() {
+  Q_INIT_RESOURCE(templates);
+}
+
+using namespace Qt::StringLiterals;
+
+namespace desktop {
+namespace {
+
+const QByteArray desktopEntry = "com.maplebrook.corvalis.desktop";
+const QByteArrayList schemes{"x-scheme-handler/corvxurl", "x-scheme-handler/corvxurls",
+                             "x-scheme-handler/db-k3r8tq0vz5mha2x"};
+
+/// Below the user's data folder.
+const QString entryFile = u"applications/com.maplebrook.corvalis.desktop"_s;
+const QString serviceFile = u"dbus-1/services/com.maplebrook.corvalis.service"_s;
+const QString mimeFile = u"mime/packages/com.maplebrook.corvalis.xml"_s;
+const QString iconFile = u"icons/hicolor/scalable/apps/com.maplebrook.corvalis.svg"_s;
+const QString recordFile = u"com.maplebrook.corvalis/mimeapps-record.json"_s;
+
+QString inData(const QString& file) {
+  return QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) + u'/' + file;
+}
+
+QString mimeAppsPath() {
+  return QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) +
+         u"/mimeapps.list"_s;
+}
+
+/// None when there is no such file.
+std::optional<QByteArray> contentsOf(const QString& path) {
+  QFile file(path);
+  if (!file.open(QIODevice::ReadOnly)) return std::nullopt;
+  return file.readAll();
+}
+
+MaybeError write(const QString& path, const QByteArray& contents) {
+  QDir().mkpath(QFileInfo(path).path());
+  QSaveFile file(path);
+  if (file.open(QIODevice::WriteOnly) && file.write(contents) == contents.size() && file.commit())
+    return std::nullopt;
+  return desktopError(DesktopErrorFile, u"%1: %2"_s.arg(path, file.errorString()));
+}
+
+MaybeError remove(const QString& path) {
+  QFile file(path);
+  if (!file.exists() || file.remove()) return std::nullopt;
+  return desktopError(DesktopErrorFile, u"%1: %2"_s.arg(path, file.errorString()));
+}
+
+/// The program as the first word of an Exec key (Desktop Entry Specification, "The Exec key"): in
+/// double quotes, and backslashes doubled once more because the key is a string.
+QByteArray execWord(const QString& program) {
+  QByteArray word;
+  for (const char character : QFile::encodeName(program)) {
+    if (QByteArrayView("\"`$\\").contains(character)) word += '\\';
+    word += character;
+  }
+  return '"' + word.replace('\\', "\\\\").replace('%', "%%") + '"';
+}
+
+/// The same for the bus's service file, which knows neither field codes nor string escapes.
+QByteArray serviceWord(const QString& program) {
+  return '\'' + QFile::encodeName(program).replace('\'', "'\\''") + '\'';
+}
+
+QByteArray filledTemplate(const QString& name, const QByteArray& program) {
+  const auto text = contentsOf(u":/corvalis/packaging/"_s + name);
+  return text.value_or(QByteArray()).replace("@PROGRAM@", program);
+}
+
+/// The list of default programs before and after our edit, so that it can be taken back exactly.
+struct Record {
+  /// None: there was no list.
+  std::optional<QByteArray> before;
+  QByteArray after;
+};
+
+std::optional<Record> readRecord() {
+  const auto text = contentsOf(inData(recordFile));
+  const QJsonObject object = QJsonDocument::fromJson(text.value_or(QByteArray())).object();
+  if (!object.contains(u"after"_s)) return std::nullopt;
+  const auto bytes = [&object](const QString& key) {
+    return QByteArray::fromBase64(object.value(key).toString().toLatin1());
+  };
+  Record record{std::nullopt, bytes(u"after"_s)};
+  if (object.contains(u"before"_s)) record.before = bytes(u"before"_s);
+  return record;
+}
+
+MaybeError writeRecord(const Record& record) {
+  QJsonObject object{{u"after"_s, QString::fromLatin1(record.after.toBase64())}};
+  if (record.before) object.insert(u"before"_s, QString::fromLatin1(record.before->toBase64()));
+  return write(inData(recordFile), QJsonDocument(object).toJson());
+}
+
+/// The list as it is without us; none when there was no list.
+std::optional<QByteArray> listWithoutUs() {
+  const auto current = contentsOf(mimeAppsPath());
+  const auto record = readRecord();
+  if (record && current == record->after) return record->before;
+  if (!current) return std::nullopt;
+  return withoutDefaultProgram(*current, schemes, desktopEntry);
+}
+
+MaybeError claimSchemes() {
+  const auto before = listWithoutUs();
+  const Record record{before,
+                      withDefaultProgram(before.value_or(QByteArray()), schemes, desktopEntry)};
+  // Recorded first: an edit without its record could not be taken back exactly.
+  if (auto error = writeRecord(record)) return error;
+  return write(mimeAppsPath(), record.after);
+}
+
+MaybeError releaseSchemes() {
+  const auto before = listWithoutUs();
+  if (auto error = before ? write(mimeAppsPath(), *before) : remove(mimeAppsPath())) return error;
+  return remove(inData(recordFile));
+}
+
+/// A missing or failing database tool costs speed, not function.
+void updateDatabase(const QString& tool, const QString& folder) {
+  const QString program = findProgram(tool);
+  if (program.isEmpty() || !QDir(inData(folder)).exists()) return;
+  QProcess process;
+  process.setStandardOutputFile(QProcess::nullDevice());
+  process.setStandardErrorFile(QProcess::nullDevice());
+  process.start(program, {inData(folder)});
+  if (!process.waitForFinished(30'000) || process.exitCode() != 0)
+    logLine(u"%1 failed for %2."_s.arg(tool, inData(folder)));
+}
+
+void updateDatabases() {
+  updateDatabase(u"update-desktop-database"_s, u"applications"_s);
+  updateDatabase(u"update-mime-database"_s, u"mime"_s);
+}
+
+MaybeError writeFiles(const DesktopIntegrationSettings& settings) {
+  const QByteArray entry =
+      filledTemplate(u"com.maplebrook.corvalis.desktop.in"_s, execWord(settings.program));
+  if (auto error = write(inData(entryFile), entry)) return error;
+  const QByteArray service =
+      filledTemplate(u"com.maplebrook.corvalis.service.in"_s, serviceWord(settings.program));
+  if (auto error = write(inData(serviceFile), service)) return error;
+  const QByteArray mimeType = filledTemplate(u"com.maplebrook.corvalis.mime.xml"_s, {});
+  if (auto error = write(inData(mimeFile), mimeType)) return error;
+  if (settings.scalableIcon.isEmpty()) return std::nullopt;
+  return write(inData(iconFile), settings.scalableIcon);
+}
+
+}  // namespace
+
+MaybeError integrateWithDesktop(const DesktopIntegrationSettings& settings) {
+  registerTemplates();
+  if (!QDir::isAbsolutePath(settings.program))
+    return desktopError(DesktopErrorFile, u"The program's path must be absolute."_s);
+  if (auto error = writeFiles(settings)) return error;
+  if (auto error = claimSchemes()) return error;
+  updateDatabases();
+  return std::nullopt;
+}
+
+MaybeError removeDesktopIntegration() {
+  if (auto error = releaseSchemes()) return error;
+  for (const QString& file : {entryFile, serviceFile, mimeFile, iconFile})
+    if (auto error = remove(inData(file))) return error;
+  updateDatabases();
+  return std::nullopt;
+}
+
+}  // namespace desktop
