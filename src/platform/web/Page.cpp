@@ -50,6 +50,10 @@ void Page::configure() {
   session_->send(u"Page.setInterceptFileChooserDialog"_s, {{u"enabled"_s, true}});
   setViewport(configuration_.layoutWidth, configuration_.viewportHeight,
               configuration_.deviceScaleFactor);
+  // The renderer answers in order: with this reply it has taken in all of the above.
+  session_->send(u"Page.getFrameTree"_s, {}, [weak = weak_from_this()](const Result<QJsonObject>&) {
+    if (const auto page = weak.lock()) page->load_->setReady();
+  });
 }
 
 void Page::setViewport(double layoutWidth, double viewportHeight, double deviceScaleFactor) {

@@ -51,6 +51,11 @@ void PageLoad::setMainFrame(const QString& identifier) {
   gate_.setMainFrame(identifier);
 }
 
+void PageLoad::setReady() {
+  ready_ = true;
+  if (const std::optional<QUrl> url = std::exchange(waitingURL_, std::nullopt)) navigate(*url);
+}
+
 void PageLoad::load(const PageRequest& request) {
   ++generation_;
   active_ = true;
@@ -83,6 +88,10 @@ void PageLoad::load(const PageRequest& request) {
 
 void PageLoad::navigate(const QUrl& url) {
   awaitingReply_ = true;
+  if (!ready_) {
+    waitingURL_ = url;
+    return;
+  }
   const QJsonObject parameters{{u"url"_s, url.toString(QUrl::FullyEncoded)}};
   session_.send(u"Page.navigate"_s, parameters,
                 [this, weak = page_.weak_from_this(), generation = generation_](const auto& reply) {
@@ -326,6 +335,7 @@ void PageLoad::endLoad() {
   if (active_) endedLoader_ = provisional_ ? provisional_->loader : document_.loader;
   active_ = false;
   awaitingReply_ = false;
+  waitingURL_.reset();
   provisional_.reset();
   answerTimer_.reset();
 }

@@ -29,6 +29,9 @@ class PageLoad {
   /// Takes frames of another process into account.
   void observeChild(Session& session);
   void setMainFrame(const QString& identifier);
+  /// The page's settings have reached its renderer. Loads begin only then: a renderer that is still
+  /// starting would take up the settings after the document.
+  void setReady();
 
   void load(const PageRequest& request);
   void stop();
@@ -103,6 +106,9 @@ class PageLoad {
   int generation_ = 0;
   /// A load is under way: neither finished, failed nor stopped.
   bool active_ = false;
+  bool ready_ = false;
+  /// Where to go as soon as the page is ready.
+  std::optional<QUrl> waitingURL_;
   /// The navigation that was asked for has not been answered.
   bool awaitingReply_ = false;
   /// The load under way has replaced the document.
