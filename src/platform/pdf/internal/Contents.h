@@ -12,6 +12,8 @@ namespace pdf {
 
 struct PDFDocument::Contents {
   QPDF qpdf;
+  /// The version of the format that the contents need; empty: what the document says itself.
+  std::string leastVersion;
   /// Documents whose pages were taken over: their files are read when this one is written.
   std::vector<std::shared_ptr<Contents>> origins;
 };

@@ -61,12 +61,13 @@ class DevicePipeline : public Pipeline {
   QIODevice& device_;
 };
 
-void writeTo(QPDF& document, QIODevice& device) {
+void writeTo(QPDF& document, QIODevice& device, const std::string& leastVersion) {
   DevicePipeline pipeline(device);
   QPDFWriter writer(document);
   writer.setOutputPipeline(&pipeline);
   writer.setObjectStreamMode(qpdf_o_generate);
   writer.setPreserveEncryption(false);
+  if (!leastVersion.empty()) writer.setMinimumPDFVersion(leastVersion);
   writer.write();
 }
 
@@ -101,11 +102,12 @@ MaybeError openQpdf(QPDF& document, const QString& path, FileAccess access) {
   return error;
 }
 
-MaybeError writeQpdf(QPDF& document, const QString& path) {
+MaybeError writeQpdf(QPDF& document, const QString& path, const std::string& leastVersion) {
   QSaveFile file(path);
   const QString what = u"The document \"%1\" cannot be written: "_s.arg(path);
   if (!file.open(QIODevice::WriteOnly)) return pdfError(PDFErrorWrite, what + file.errorString());
-  if (MaybeError error = catchingQpdf(PDFErrorWrite, what, [&] { writeTo(document, file); }))
+  if (MaybeError error =
+          catchingQpdf(PDFErrorWrite, what, [&] { writeTo(document, file, leastVersion); }))
     return error;
   if (!file.commit()) return pdfError(PDFErrorWrite, what + file.errorString());
   return std::nullopt;

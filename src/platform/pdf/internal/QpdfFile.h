@@ -4,8 +4,8 @@
 
 #include <QString>
 #include <functional>
-#include <optional>
 #include <qpdf/QPDF.hh>
+#include <string>
 
 #include "platform/base/Error.h"
 
@@ -22,9 +22,9 @@ enum class FileAccess {
 /// damaged is repaired here or not at all.
 MaybeError openQpdf(QPDF& document, const QString& path, FileAccess access = FileAccess::KeepOpen);
 
-/// Writes `document` beside `path` and moves it there. `producedBy` names what the bytes are when
-/// it fails.
-MaybeError writeQpdf(QPDF& document, const QString& path);
+/// Writes `document` beside `path` and moves it there, in no older version of the format than
+/// `leastVersion`.
+MaybeError writeQpdf(QPDF& document, const QString& path, const std::string& leastVersion = {});
 
 /// Runs `work` and turns what qpdf throws into an error of `code` whose text begins with `what`.
 MaybeError catchingQpdf(int code, const QString& what, const std::function<void()>& work);

@@ -1,0 +1,29 @@
+#pragma once
+
+#include <map>
+#include <optional>
+#include <string>
+
+namespace pdf {
+
+/// What one document's names, numbers and identifiers become in the joined document.
+struct Renaming {
+  using Names = std::map<std::string, std::string>;
+
+  /// Named destinations: old-style names (with their slash) and strings. What is missing leads
+  /// nowhere.
+  Names oldStyleDestinations;
+  Names destinations;
+
+  /// Added to the numbers under which content is known to the tags; nothing when the tags are left
+  /// out.
+  std::optional<int> tagNumberOffset;
+
+  // Names of structure types and attribute classes, and element identifiers; what is missing stays
+  // as it is.
+  Names roles;
+  Names classes;
+  Names elementIdentifiers;
+};
+
+}  // namespace pdf
