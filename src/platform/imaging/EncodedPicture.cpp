@@ -7,6 +7,7 @@
 #include "platform/imaging/AddressMark.h"
 #include "platform/imaging/ImagingError.h"
 #include "platform/imaging/PartFile.h"
+#include "platform/imaging/VipsFileTarget.h"
 #include "platform/imaging/VipsLibrary.h"
 
 namespace imaging {
@@ -18,8 +19,9 @@ namespace {
 using Picture = VipsOwned<VipsImage>;
 
 Error unreadable(const VipsLibrary& vips) {
-  return imagingError(ImagingError::CannotRead,
-                      u"The picture is damaged or of an unknown kind: %1"_s.arg(vips.takeError()));
+  return imagingError(
+      ImagingError::CannotRead,
+      u"The picture is damaged or of an unknown kind (%1)."_s.arg(vips.takeError()));
 }
 
 Result<Picture> open(const VipsLibrary& vips, const PictureSource& from) {
@@ -114,13 +116,16 @@ MaybeError encode(const VipsLibrary& vips, VipsImage* picture, const QString& ta
                   const BitmapFormat& format, float compression, const QByteArray& address) {
   auto file = PartFile::create(targetPath);
   if (!file) return file.error();
-  const VipsOwned<VipsTarget> target(vips.vips_target_new_to_descriptor((*file)->descriptor()));
+  const VipsFileTarget target(vips, **file, picture);
   const QByteArray encoder = encoderText(format.type, compression, picture);
-  if (!target ||
-      vips.vips_image_write_to_target(picture, encoder.constData(), target.get(), nullptr) != 0) {
-    return imagingError(ImagingError::CannotEncode, u"The %1 file could not be written: %2"_s.arg(
-                                                        format.name, vips.takeError()));
+  const int result =
+      vips.vips_image_write_to_target(picture, encoder.constData(), target.target(), nullptr);
+  if (target.failure()) {
+    vips.takeError();
+    return target.failure();
   }
+  // The encoders' only other trouble is with the rows that come from the source.
+  if (result != 0) return unreadable(vips);
   if (auto error = appendAddress(**file, format.addressPlace, address)) return error;
   return (*file)->commit();
 }

@@ -25,17 +25,20 @@ class ConvertingWriter : public PictureWriter {
     const QString kept =
         QFileInfo(path).path() + u"/.corvalis-"_s + newUniversallyUniqueIdentifier();
     auto rows = PngWriter::create(kept, devicePixels, {1, options.pixelsPerPoint, {}});
-    if (!rows) return tl::unexpected(rows.error());
+    if (!rows) return tl::unexpected(naming(path, kept, rows.error()));
     return std::unique_ptr<PictureWriter>(
         new ConvertingWriter(path, kept, type, options, std::move(*rows)));
   }
 
   ~ConvertingWriter() override { QFile::remove(kept_); }
 
-  MaybeError append(const QImage& rows) override { return rows_->append(rows); }
+  MaybeError append(const QImage& rows) override {
+    const auto error = rows_->append(rows);
+    return error ? naming(path_, kept_, *error) : error;
+  }
 
   MaybeError finish() override {
-    if (auto error = rows_->finish()) return error;
+    if (auto error = rows_->finish()) return naming(path_, kept_, *error);
     return convertPicture(kept_, path_, type_, options_.compression, options_.metadata);
   }
 
@@ -47,6 +50,12 @@ class ConvertingWriter : public PictureWriter {
         type_(type),
         options_(options),
         rows_(std::move(rows)) {}
+
+  /// The user knows the file by the name that it is going to have.
+  static Error naming(const QString& path, const QString& kept, Error error) {
+    error.localizedDescription.replace(QFileInfo(kept).fileName(), QFileInfo(path).fileName());
+    return error;
+  }
 
   QString path_;
   QString kept_;

@@ -13,6 +13,8 @@ namespace {
 /// The number stands for the interface that the headers at hand describe.
 constexpr char libraryName[] = "libvips.so.42";
 
+void ignoreWarning(const char*, GLogLevelFlags, const char*, gpointer) {}
+
 Result<VipsLibrary> load() {
   const auto missing = [](const char* reason) {
     return tl::unexpected(imagingError(
@@ -29,10 +31,15 @@ Result<VipsLibrary> load() {
   CORVALIS_VIPS_FUNCTIONS(CORVALIS_VIPS_RESOLVE)
 #undef CORVALIS_VIPS_RESOLVE
   if (vips.vips_init("corvalis") != 0) return missing(vips.takeError().toLocal8Bit().constData());
+  // Whatever goes wrong comes back as an error; standard error is for the program's own words.
+  vips.g_log_set_handler("VIPS", G_LOG_LEVEL_WARNING, ignoreWarning, nullptr);
   // Each file is made once: a cache of operations would only hold memory.
   vips.vips_cache_set_max(0);
   vips.vips_concurrency_set(2);
+  // Readers that are not hardened against hostile files stay shut, but for the one that reads what
+  // this program writes.
   vips.vips_block_untrusted_set(TRUE);
+  vips.vips_operation_block_set("VipsForeignLoadJp2k", FALSE);
   return vips;
 }
 

@@ -44,7 +44,11 @@ struct VipsLibrary {
   FUNCTION(vips_region_prepare)           \
   FUNCTION(vips_source_new_from_file)     \
   FUNCTION(vips_source_new_from_memory)   \
-  FUNCTION(vips_target_new_to_descriptor) \
+  FUNCTION(vips_target_custom_new)        \
+  FUNCTION(vips_image_set_kill)           \
+  FUNCTION(g_signal_connect_data)         \
+  FUNCTION(vips_operation_block_set)      \
+  FUNCTION(g_log_set_handler)             \
   FUNCTION(vips_thread_shutdown)          \
   FUNCTION(g_free)
 
