@@ -50,19 +50,14 @@ void EngineInstance::connect() {
     if (const auto self = weak.lock()) self->handleCrash(reason);
   });
   browser_ = std::make_shared<Session>();
-  subscribe(u"Target.targetCreated"_s, &EngineInstance::handleTargetCreated);
-  subscribe(u"Target.targetInfoChanged"_s, &EngineInstance::handleTargetInfo);
+  targetCreated_ = browser_->addEventHandler(u"Target.targetCreated"_s,
+                                             [weak = weak_from_this()](const QJsonObject& event) {
+                                               if (const auto self = weak.lock())
+                                                 self->closeOpenedWindow(event);
+                                             });
   browser_->attach(connection_, {});
   browser_->send(u"Target.setDiscoverTargets"_s, {{u"discover"_s, true}});
   denyDownloads({});
-}
-
-void EngineInstance::subscribe(const QString& method,
-                               void (EngineInstance::*handler)(const QJsonObject&)) {
-  subscriptions_.push_back(browser_->addEventHandler(
-      method, [weak = weak_from_this(), handler](const QJsonObject& event) {
-        if (const auto self = weak.lock()) (self.get()->*handler)(event);
-      }));
 }
 
 void EngineInstance::denyDownloads(const QString& browserContext) {
@@ -122,24 +117,11 @@ void EngineInstance::attachTarget(const std::weak_ptr<Page>& page, const PageTar
       startTimeout);
 }
 
-std::shared_ptr<Page> EngineInstance::pageOf(const QString& target) const {
-  for (const auto& weak : pages_) {
-    const auto page = weak.lock();
-    if (page && page->targetIdentifier() == target) return page;
-  }
-  return nullptr;
-}
-
 /// A window that a page has opened is closed: there is nobody to show it to.
-void EngineInstance::handleTargetCreated(const QJsonObject& event) {
+void EngineInstance::closeOpenedWindow(const QJsonObject& event) {
   const QJsonObject target = event[u"targetInfo"].toObject();
   if (target[u"type"].toString() != u"page" || target[u"openerId"].toString().isEmpty()) return;
   browser_->send(u"Target.closeTarget"_s, {{u"targetId"_s, target[u"targetId"]}});
-}
-
-void EngineInstance::handleTargetInfo(const QJsonObject& event) {
-  if (const auto page = pageOf(event[u"targetInfo"][u"targetId"].toString()))
-    page->targetInfoChanged();
 }
 
 void EngineInstance::handleCrash(const Error& reason) {

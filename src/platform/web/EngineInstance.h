@@ -31,19 +31,16 @@ class EngineInstance : public std::enable_shared_from_this<EngineInstance> {
   explicit EngineInstance(std::unique_ptr<EngineProcess> process);
   void connect();
   void handleCrash(const Error& reason);
-  void handleTargetCreated(const QJsonObject& event);
-  void handleTargetInfo(const QJsonObject& event);
+  void closeOpenedWindow(const QJsonObject& event);
   void createTarget(const std::weak_ptr<Page>& page, const QString& browserContext);
   void attachTarget(const std::weak_ptr<Page>& page, const PageTarget& target);
   void denyDownloads(const QString& browserContext);
-  std::shared_ptr<Page> pageOf(const QString& target) const;
-  void subscribe(const QString& method, void (EngineInstance::*handler)(const QJsonObject&));
 
   std::unique_ptr<EngineProcess> process_;
   std::shared_ptr<Connection> connection_;
   std::shared_ptr<Session> browser_;
   std::vector<std::weak_ptr<Page>> pages_;
-  std::vector<Subscription> subscriptions_;
+  Subscription targetCreated_;
   bool ended_ = false;
 };
 

@@ -58,6 +58,7 @@ QStringList commonArguments() {
       u"--disable-backgrounding-occluded-windows"_s,
       u"--disable-renderer-backgrounding"_s,
       u"--disable-hang-monitor"_s,
+      u"--block-new-web-contents"_s,
       u"--disable-prompt-on-repost"_s,
       // Containers give /dev/shm a few megabytes.
       u"--disable-dev-shm-usage"_s,

@@ -77,10 +77,6 @@ void Page::attach(std::shared_ptr<Connection> connection, const PageTarget& targ
   session_->attach(std::move(connection), target.session);
 }
 
-void Page::targetInfoChanged() {
-  load_->titleMayHaveChanged();
-}
-
 void Page::fail(const Error& reason) {
   load_->fail(reason);
   session_->close(reason);

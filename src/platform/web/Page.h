@@ -94,8 +94,6 @@ class Page : public std::enable_shared_from_this<Page> {
   void attach(std::shared_ptr<Connection> connection, const PageTarget& target);
   /// Asks the browser to end a target.
   static void closeTarget(Connection& connection, const PageTarget& target);
-  /// Called by the engine: the browser's description of the target has changed.
-  void targetInfoChanged();
   /// Called by the engine: there is no browser any more, or no page could be made.
   void fail(const Error& reason);
   const QString& targetIdentifier() const { return target_.identifier; }

@@ -103,6 +103,8 @@ void PageLoad::navigate(const QUrl& url) {
 }
 
 void PageLoad::handleNavigateReply(const Result<QJsonObject>& reply) {
+  // The end of the browser or the page is reported by `fail`, in its own words.
+  if (!reply && session_.isClosed()) return;
   if (!reply) return failWith(makeError(LoadFailed, reply.error().localizedDescription));
   const QString loader = (*reply)[u"loaderId"].toString();
   const QString errorText = (*reply)[u"errorText"].toString();
@@ -256,14 +258,21 @@ void PageLoad::commit(const QJsonObject& frame) {
 }
 
 void PageLoad::handleLifecycle(const QJsonObject& event) {
-  if (event[u"name"].toString() != u"load") return;
+  const QString name = event[u"name"].toString();
   const QString identifier = event[u"frameId"].toString();
+  const bool isCurrent = event[u"loaderId"].toString() == document_.loader;
+  // The browser does not tell when a script changes the title: it is read whenever the page comes
+  // to rest.
+  if (isCurrent &&
+      (name == u"DOMContentLoaded" || name == u"networkAlmostIdle" || name == u"networkIdle"))
+    return readTitle({});
+  if (name != u"load") return;
   if (!frames_.isMain(identifier)) {
     if (const std::optional<Frame> child = frames_.child(identifier))
       observers_.notify(&PageObserver::pageFinishedLoad, page_, *child);
     return;
   }
-  if (event[u"loaderId"].toString() != document_.loader || document_.finished || !active_) return;
+  if (!isCurrent || document_.finished || !active_) return;
   readTitle([this, loader = document_.loader] {
     if (active_ && document_.loader == loader && !document_.finished) finish();
   });
@@ -295,10 +304,6 @@ void PageLoad::readTitle(std::function<void()> then) {
         if (then) then();
       },
       titleTimeout);
-}
-
-void PageLoad::titleMayHaveChanged() {
-  if (!document_.loader.isEmpty() && document_.loader != endedLoader_) readTitle({});
 }
 
 void PageLoad::handleStartedLoading(const QJsonObject& event) {

@@ -38,8 +38,6 @@ class PageLoad {
   void hold() { gate_.hold(); }
   /// The load under way, if there is one, ends with `reason`.
   void fail(const Error& reason);
-  /// The browser says that the page's title may have changed.
-  void titleMayHaveChanged();
 
   QUrl currentURL() const;
   const QString& title() const { return title_; }

@@ -96,10 +96,15 @@ TEST_F(BrowserLife, ACrashedPageFailsAndCanLoadAgain) {
   web::Engine engine;
   const auto page = engine.createPage();
   const auto recorder = watch(*page);
-  page->load({QUrl(u"chrome://crash"_s)});
+  server.set(u"/never"_s, {"", "", "", "", HttpServer::Answer::Kind::Never});
+  server.setPage(u"/crash"_s, "<title>Here</title><img src=/never>");
+  page->load({server.url(u"/crash"_s)});
+  ASSERT_TRUE(support::waitFor([&] { return recorder->count("title") == 1; }));
+  page->send(u"Page.crash"_s);
   ASSERT_TRUE(support::waitFor([&] { return recorder->crash.has_value(); }));
   ASSERT_TRUE(recorder->failure);
   EXPECT_EQ(recorder->failure->code, web::PageCrashed);
+  EXPECT_EQ(recorder->failedPhase, web::LoadPhase::Committed);
   server.setPage(u"/"_s, "<title>Revived</title>");
   page->load({server.url(u"/"_s)});
   ASSERT_TRUE(support::waitFor([&] { return recorder->finished(); }));
