@@ -121,7 +121,8 @@ std::optional<QByteArray> listWithoutUs() {
 }
 
 MaybeError claimSchemes() {
-  const auto before = listWithoutUs();
+  // Without a record, an entry of ours in the list is the user's own doing.
+  const auto before = readRecord() ? listWithoutUs() : contentsOf(mimeAppsPath());
   const Record record{before,
                       withDefaultProgram(before.value_or(QByteArray()), schemes, desktopEntry)};
   // Recorded first: an edit without its record could not be taken back exactly.
@@ -140,11 +141,14 @@ void updateDatabase(const QString& tool, const QString& folder) {
   const QString program = findProgram(tool);
   if (program.isEmpty() || !QDir(inData(folder)).exists()) return;
   QProcess process;
+  process.setStandardInputFile(QProcess::nullDevice());
   process.setStandardOutputFile(QProcess::nullDevice());
   process.setStandardErrorFile(QProcess::nullDevice());
   process.start(program, {inData(folder)});
-  if (!process.waitForFinished(30'000) || process.exitCode() != 0)
-    logLine(u"%1 failed for %2."_s.arg(tool, inData(folder)));
+  const bool ended = process.waitForFinished(30'000);
+  if (!ended || process.exitCode() != 0) logLine(u"%1 failed for %2."_s.arg(tool, inData(folder)));
+  process.kill();
+  process.waitForFinished();
 }
 
 void updateDatabases() {

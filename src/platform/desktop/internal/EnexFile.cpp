@@ -20,11 +20,11 @@ constexpr qint64 pieceSize = 3 * 64 * 1024;
 
 constexpr qsizetype longestTitle = 255;
 
-/// What neither a note's title nor an XML document may hold: control characters, halves of pairs,
-/// and the two code points that are no characters.
+/// What neither a note's title nor an XML document may hold. Halves of surrogate pairs are
+/// replacement characters by now.
 bool isForbidden(char32_t character) {
-  return QChar::category(character) == QChar::Other_Control || QChar::isSurrogate(character) ||
-         character == 0xFFFE || character == 0xFFFF;
+  return QChar::category(character) == QChar::Other_Control || character == 0xFFFE ||
+         character == 0xFFFF;
 }
 
 QString legalText(const QString& text) {

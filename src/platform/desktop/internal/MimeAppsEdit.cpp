@@ -57,8 +57,10 @@ QByteArray withDefaultProgram(const QByteArray& list, const QByteArrayList& type
   bool added = false;
   const auto edit = [&](const QByteArray& line) -> QByteArrayList {
     if (types.contains(keyOf(line))) {
-      const QByteArray others = programsOf(line).join(';');
-      return {keyOf(line) + '=' + entry + ';' + (others.isEmpty() ? others : others + ';')};
+      QByteArrayList programs = programsOf(line);
+      programs.removeAll(entry);
+      programs.prepend(entry);
+      return {keyOf(line) + '=' + programs.join(';') + ';'};
     }
     QByteArrayList result{line};
     if (line.trimmed() != defaultSection || added) return result;
