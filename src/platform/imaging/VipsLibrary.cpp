@@ -2,6 +2,8 @@
 
 #include <dlfcn.h>
 
+#include <cstdlib>
+
 #include "platform/imaging/ImagingError.h"
 
 namespace imaging {
@@ -40,6 +42,8 @@ Result<VipsLibrary> load() {
   // this program writes.
   vips.vips_block_untrusted_set(TRUE);
   vips.vips_operation_block_set("VipsForeignLoadJp2k", FALSE);
+  // Ends the library's threads, which would otherwise run on while the process is taken down.
+  std::atexit([] { (*VipsLibrary::shared())->vips_shutdown(); });
   return vips;
 }
 

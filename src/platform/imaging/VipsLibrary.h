@@ -47,6 +47,7 @@ struct VipsLibrary {
   FUNCTION(vips_target_custom_new)        \
   FUNCTION(vips_image_set_kill)           \
   FUNCTION(g_signal_connect_data)         \
+  FUNCTION(vips_shutdown)                 \
   FUNCTION(vips_operation_block_set)      \
   FUNCTION(g_log_set_handler)             \
   FUNCTION(vips_thread_shutdown)          \
