@@ -10,14 +10,14 @@ namespace dropbox {
 /// An authorization as the token endpoint grants it (RFC 6749, section 5.1, and the service's own
 /// fields).
 struct Token {
-  QString accessToken;
+  QString accessToken = {};
   /// Empty when the service gave none: then the access token is all there is until it expires.
-  QString refreshToken;
+  QString refreshToken = {};
   /// Not valid when the service named no life time.
-  QDateTime expiresAt;
-  QString accountId;
+  QDateTime expiresAt = {};
+  QString accountId = {};
   /// Set when a team granted the authorization and not a user.
-  QString teamId;
+  QString teamId = {};
 
   bool isTeam() const { return !teamId.isEmpty(); }
   bool canRefresh() const { return !refreshToken.isEmpty(); }

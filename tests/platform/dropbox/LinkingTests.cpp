@@ -134,6 +134,19 @@ TEST_F(LinkingTest, ADamagedTokenFileMeansUnlinkedAndIsReplaced) {
   EXPECT_FALSE(QFile::permissions(tokenPath()) & (QFile::ReadGroup | QFile::ReadOther));
 }
 
+TEST_F(LinkingTest, ARemovalIsNotOvertakenByAWritingThatFallsBackToTheFile) {
+  const auto store = dropbox::makeStandardTokenStore(u"k3r8tq0vz5mha2x"_s);
+  int ended = 0;
+  const auto count = [&ended](const MaybeError& error) {
+    EXPECT_FALSE(error);
+    ++ended;
+  };
+  store->write(dropbox::Token{.accessToken = u"access"_s}, count);
+  store->remove(count);
+  ASSERT_TRUE(support::waitFor([&ended] { return ended == 2; }));
+  EXPECT_FALSE(QFile::exists(tokenPath()));
+}
+
 TEST_F(LinkingTest, OnlyAServerOnThisMachineStandsInForTheService) {
   qputenv("CORVALIS_DROPBOX_SERVER", "http://127.0.0.1:8080/");
   EXPECT_EQ(dropbox::Endpoints::standard().token, QUrl(u"http://127.0.0.1:8080/oauth2/token"_s));

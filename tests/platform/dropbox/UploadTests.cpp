@@ -4,6 +4,7 @@
 
 #include "DropboxTest.h"
 #include "platform/dispatch/Dispatch.h"
+#include "platform/dropbox/Slice.h"
 
 using namespace Qt::StringLiterals;
 
@@ -30,7 +31,7 @@ class UploadTest : public DropboxTest {
   static QByteArray bytes(int size) {
     QByteArray data(size, '\0');
     for (int i = 0; i < size; ++i)
-      data[i] = static_cast<char>((i * 7919) >> 3);
+      data[i] = static_cast<char>((i * 7919u) >> 3);
     return data;
   }
 
@@ -254,6 +255,19 @@ TEST_F(UploadTest, AFileAboveTheLimitArrivesInPartsAsOneFile) {
     EXPECT_EQ(service.files.value(u"/page.pdf"_s), bytes(each.size));
     EXPECT_EQ(service.routes.size(), each.requests) << service.routes.join(u' ').toStdString();
   }
+}
+
+TEST_F(UploadTest, APartOfAFileIsADeviceOfItsOwn) {
+  auto whole = std::make_unique<QFile>(file("0123456789"));
+  ASSERT_TRUE(whole->open(QIODevice::ReadOnly));
+  dropbox::Slice slice(std::move(whole), 3, 5);
+  EXPECT_EQ(slice.size(), 5);
+  EXPECT_EQ(slice.read(2), "34");
+  EXPECT_EQ(slice.readAll(), "567");
+  EXPECT_TRUE(slice.atEnd());
+  EXPECT_TRUE(slice.reset() && slice.seek(4));
+  EXPECT_EQ(slice.read(9), "7");
+  EXPECT_FALSE(slice.seek(6));
 }
 
 TEST_F(UploadTest, ASessionRecoversFromLostAnswersWithoutDoublingOrLosingBytes) {

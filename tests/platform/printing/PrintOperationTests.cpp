@@ -37,7 +37,9 @@ class View : public printing::PrintableView {
 /// A user who has made up their mind.
 class Panel : public PrintPanel {
  public:
-  explicit Panel(std::optional<Answer> answer) : answer_(std::move(answer)) {}
+  /// Cancels.
+  Panel() = default;
+  explicit Panel(const Answer& answer) : answer_(answer) {}
   void show(const PrintInfo&, std::function<void(std::optional<Answer>)> completion) override {
     completion(answer_);
   }
@@ -85,7 +87,7 @@ class PrintOperationTest : public PrintingTest {
 };
 
 TEST_F(PrintOperationTest, ASavedJobWritesItsFileAndAsksNobody) {
-  PrintPanel::setShared(std::make_shared<Panel>(std::nullopt));
+  PrintPanel::setShared(std::make_shared<Panel>());
   EXPECT_EQ(run(saving, Ask::Nobody), PrintOutcome::Finished);
   EXPECT_EQ(contents(savedPath()), view->document);
   EXPECT_EQ(newJob(), 0);
@@ -108,7 +110,7 @@ TEST_F(PrintOperationTest, TheChosenPrinterGetsTheDocumentLaidOutForTheChosenPap
 }
 
 TEST_F(PrintOperationTest, ACancelledPanelPrintsNothing) {
-  PrintPanel::setShared(std::make_shared<Panel>(std::nullopt));
+  PrintPanel::setShared(std::make_shared<Panel>());
   EXPECT_EQ(run(saving, Ask::User), PrintOutcome::Cancelled);
   EXPECT_TRUE(view->writtenTo.isEmpty());
   EXPECT_EQ(newJob(), 0);
