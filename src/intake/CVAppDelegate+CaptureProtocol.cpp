@@ -71,9 +71,8 @@ void CVAppDelegate::handleAppleEvent(const QString& text) {
     return withMainWindow([](CVMainWindow& window) { window.bringToFront(); });
   }
   if (text.size() > CapturePayload::maximumSize) return addWarning(tooLargeWarning);
-  // A request may be hundreds of megabytes: it is handed on, not copied.
-  whenLaunched([weak = weak_from_this(), request = text]() mutable {
-    if (const auto self = weak.lock()) self->decodeCaptureRequest(std::move(request));
+  whenLaunched([weak = weak_from_this(), text] {
+    if (const auto self = weak.lock()) self->decodeCaptureRequest(text);
   });
 }
 
@@ -100,11 +99,11 @@ void CVAppDelegate::whenLaunched(std::function<void()> work) {
   dispatch::globalAsync(dispatch::Priority::Default, std::move(work));
 }
 
-void CVAppDelegate::decodeCaptureRequest(QString text) try {
+void CVAppDelegate::decodeCaptureRequest(const QString& text) try {
   if (CapturePayload::isIgnored(text)) return;
   const auto self = shared_from_this();
   dispatch::mainAsync([self] { self->snapEffect(); });
-  const CapturePayload payload = CapturePayload::decode(std::move(text));
+  const CapturePayload payload = CapturePayload::decode(text);
   if (payload.kind == CapturePayload::Kind::DirectAddress) return openDirectURL(payload.address);
   if (payload.isFromOldBookmarklet()) addWarning(oldBookmarkletWarning);
   const auto service = utils();

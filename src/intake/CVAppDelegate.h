@@ -203,7 +203,7 @@ class CVAppDelegate : public std::enable_shared_from_this<CVAppDelegate>,
   void endWaits();
   void announceLaunched();
   void whenLaunched(std::function<void()> work);
-  void decodeCaptureRequest(QString text);
+  void decodeCaptureRequest(const QString& text);
   void openDirectURL(const std::optional<QUrl>& url);
   void redirectEnded(CVRedirectOutcome outcome);
   void processURL(const QUrl& url);

@@ -8,8 +8,8 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr QStringView dataMarker = u"corvxdata::";
-constexpr QStringView stylesMarker = u"corvxstyles::";
-constexpr QStringView framesMarker = u"iframes::";
+constexpr QByteArrayView stylesMarker = "corvxstyles::";
+constexpr QByteArrayView framesMarker = "iframes::";
 
 struct Scheme {
   QStringView ours;
@@ -17,21 +17,32 @@ struct Scheme {
 };
 constexpr Scheme schemes[] = {{u"corvxurl://", u"http://"}, {u"corvxurls://", u"https://"}};
 
-/// With the page's own scheme in place of ours, wherever ours stands.
-QString withRealScheme(QString text) {
+/// The scheme that is replaced wherever it stands: the one that the request begins with.
+const Scheme* schemeOf(QStringView request) {
   for (const Scheme& scheme : schemes) {
-    if (text.startsWith(scheme.ours)) return CaptureText::replaced(text, scheme.ours, scheme.real);
+    if (request.startsWith(scheme.ours)) return &scheme;
   }
-  return text;
+  return nullptr;
 }
 
-void decodeData(const QString& data, CapturePayload& payload) {
+QString withRealScheme(QStringView text, const Scheme* scheme) {
+  return scheme ? CaptureText::replaced(text, scheme->ours, scheme->real) : text.toString();
+}
+
+/// Undoes the transport's encoding. Our scheme is replaced here too, as in the address; the data
+/// are large and hardly ever hold it, so they are not copied for nothing.
+std::optional<QByteArray> transported(QStringView data, const Scheme* scheme) {
+  if (!scheme || !data.contains(scheme->ours)) return CaptureText::percentDecoded(data);
+  return CaptureText::percentDecoded(withRealScheme(data, scheme));
+}
+
+void decodeData(QByteArrayView data, CapturePayload& payload) {
   const auto [page, rest] = CaptureText::splitAt(data, stylesMarker);
   payload.page = CaptureText::decoded(page);
   if (!rest) return;
   const auto [styles, frames] = CaptureText::splitAt(*rest, framesMarker);
   payload.styles = CaptureText::decoded(styles);
-  if (frames) payload.frames = frames->toString();
+  if (frames) payload.frames = QString::fromUtf8(*frames);
 }
 
 }  // namespace
@@ -40,14 +51,14 @@ bool CapturePayload::isIgnored(QStringView text) {
   return text.startsWith(u"favorites");
 }
 
-CapturePayload CapturePayload::decode(QString request) {
+CapturePayload CapturePayload::decode(QStringView request) {
   CapturePayload payload;
   if (isIgnored(request)) return payload;
-  const QString text = withRealScheme(std::move(request));
-  const auto [address, data] = CaptureText::splitAt(text, dataMarker);
+  const Scheme* const scheme = schemeOf(request);
+  const auto [address, data] = CaptureText::splitAt(request, dataMarker);
   payload.kind = data ? Kind::Page : Kind::DirectAddress;
-  payload.address = requestAddress(address);
+  payload.address = requestAddress(withRealScheme(address, scheme));
   if (!data) return payload;
-  if (const auto decoded = CaptureText::percentDecoded(*data)) decodeData(*decoded, payload);
+  if (const auto decoded = transported(*data, scheme)) decodeData(*decoded, payload);
   return payload;
 }

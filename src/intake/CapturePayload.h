@@ -24,9 +24,8 @@ struct CapturePayload {
     Page,           ///< a captured document, as far as it could be decoded
   };
 
-  /// Never fails: a part that cannot be decoded is none. Linear time. Any thread. Takes the text
-  /// over, so that a large one need not stand in memory twice.
-  static CapturePayload decode(QString request);
+  /// Never fails: a part that cannot be decoded is none. Linear time. Any thread.
+  static CapturePayload decode(QStringView request);
 
   /// Whether nothing can come of the text, whatever else it holds.
   static bool isIgnored(QStringView text);

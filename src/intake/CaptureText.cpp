@@ -33,41 +33,52 @@ bool removeEscapes(QByteArray& bytes) {
   return true;
 }
 
-std::optional<QString> textOfUtf8(const QByteArray& bytes) {
-  if (!bytes.isValidUtf8()) return std::nullopt;
+/// Without escapes, if what remains is UTF-8.
+std::optional<QByteArray> withoutEscapes(QByteArray utf8) {
+  if (!removeEscapes(utf8) || !utf8.isValidUtf8()) return std::nullopt;
+  return utf8;
+}
+
+QString textOf(const QByteArray& utf8) {
   // A leading byte order mark is part of the document: converting in one piece would drop it.
   QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::ConvertInitialBom);
-  return QString(decoder.decode(bytes));
+  return decoder.decode(utf8);
 }
 
-std::optional<QString> withoutEscapes(QByteArray utf8) {
-  if (!removeEscapes(utf8)) return std::nullopt;
-  return textOfUtf8(utf8);
-}
-
-std::optional<QByteArray> bytesOfBase64(QStringView text) {
+std::optional<QByteArray> bytesOf(QByteArrayView base64) {
   // The library accepts a text whose padding was left off.
-  if (text.size() % 4 != 0) return std::nullopt;
-  auto result =
-      QByteArray::fromBase64Encoding(text.toLatin1(), QByteArray::AbortOnBase64DecodingErrors);
+  if (base64.size() % 4 != 0) return std::nullopt;
+  const QByteArray text = QByteArray::fromRawData(base64.data(), base64.size());
+  auto result = QByteArray::fromBase64Encoding(text, QByteArray::AbortOnBase64DecodingErrors);
   if (!result) return std::nullopt;
   return std::move(result.decoded);
 }
 
+template <class View>
+Split<View> splitAtFirstTwo(View text, View marker) {
+  const qsizetype first = text.indexOf(marker);
+  if (first < 0) return {text, std::nullopt};
+  const View rest = text.sliced(first + marker.size());
+  const qsizetype second = rest.indexOf(marker);
+  return {text.first(first), second < 0 ? rest : rest.first(second)};
+}
+
 }  // namespace
 
-std::optional<QString> percentDecoded(QStringView text) {
+std::optional<QByteArray> percentDecoded(QStringView text) {
   return withoutEscapes(text.toUtf8());
 }
 
-std::optional<QString> decoded(QStringView text) {
-  std::optional<QByteArray> bytes = bytesOfBase64(text);
+std::optional<QString> decoded(QByteArrayView base64) {
+  std::optional<QByteArray> bytes = bytesOf(base64);
   if (!bytes || !bytes->isValidUtf8()) return std::nullopt;
-  return withoutEscapes(*std::move(bytes));
+  const auto document = withoutEscapes(*std::move(bytes));
+  return document ? std::optional(textOf(*document)) : std::nullopt;
 }
 
 QString replaced(QStringView text, QStringView what, QStringView replacement) {
   QString result;
+  result.reserve(text.size());
   qsizetype copied = 0;
   for (qsizetype found = text.indexOf(what); found >= 0; found = text.indexOf(what, copied)) {
     result.append(text.sliced(copied, found - copied)).append(replacement);
@@ -76,12 +87,12 @@ QString replaced(QStringView text, QStringView what, QStringView replacement) {
   return result.append(text.sliced(copied));
 }
 
-Split splitAt(QStringView text, QStringView marker) {
-  const qsizetype first = text.indexOf(marker);
-  if (first < 0) return {text, std::nullopt};
-  const QStringView rest = text.sliced(first + marker.size());
-  const qsizetype second = rest.indexOf(marker);
-  return {text.first(first), second < 0 ? rest : rest.first(second)};
+Split<QStringView> splitAt(QStringView text, QStringView marker) {
+  return splitAtFirstTwo(text, marker);
+}
+
+Split<QByteArrayView> splitAt(QByteArrayView text, QByteArrayView marker) {
+  return splitAtFirstTwo(text, marker);
 }
 
 }  // namespace CaptureText

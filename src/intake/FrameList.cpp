@@ -22,5 +22,5 @@ QStringView FrameList::take() {
 }
 
 std::optional<QString> FrameList::decodeItem(QStringView item) {
-  return CaptureText::decoded(item);
+  return CaptureText::decoded(item.toUtf8());
 }

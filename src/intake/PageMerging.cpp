@@ -1,5 +1,7 @@
 #include "intake/PageMerging.h"
 
+#include <cstring>
+
 #include "intake/CaptureText.h"
 #include "intake/ElementMatcher.h"
 #include "intake/FrameList.h"
@@ -16,27 +18,37 @@ constexpr QStringView styleEnd = u"</style>";
 constexpr QStringView frameOpening = u"<iframe";
 constexpr QStringView frameClosing = u"</iframe>";
 
-QString withoutElements(QStringView text, QStringView opening, QStringView closing) {
-  QString result;
-  qsizetype copied = 0;
+/// Closes the gaps in place; the matcher only ever looks at text behind them.
+void removeElements(QString& text, QStringView opening, QStringView closing) {
+  QChar* const begin = text.data();
+  QChar* out = begin;
+  qsizetype kept = 0;
+  const auto keepUntil = [&](qsizetype end) {
+    const qsizetype count = end - kept;
+    if (out != begin + kept)
+      std::memmove(out, begin + kept, sizeof(QChar) * static_cast<std::size_t>(count));
+    out += count;
+  };
   ElementMatcher elements(text, opening, closing);
   while (const auto element = elements.next()) {
-    result.append(text.sliced(copied, element->start - copied));
-    copied = element->end;
+    keepUntil(element->start);
+    kept = element->end;
   }
-  return result.append(text.sliced(copied));
+  keepUntil(text.size());
+  text.truncate(out - begin);
 }
 
 QString withStylesInHead(QStringView page, QStringView styles) {
-  const qsizetype added = styleStart.size() + styles.size() + styleEnd.size();
+  const QString element = styleStart.toString().append(styles).append(styleEnd);
+  const qsizetype mostCopies = 2 + maximumStyleCopies / element.size();
   QString result;
+  result.reserve(page.size() + element.size());
   qsizetype copied = 0;
-  for (qsizetype found = page.indexOf(headEnd); found >= 0;
-       found = page.indexOf(headEnd, found + headEnd.size())) {
-    if (result.size() + page.size() - copied + added > maximumSize) break;
-    result.append(page.sliced(copied, found - copied));
-    result.append(styleStart).append(styles).append(styleEnd);
+  qsizetype found = page.indexOf(headEnd);
+  for (qsizetype copies = 0; found >= 0 && copies < mostCopies; ++copies) {
+    result.append(page.sliced(copied, found - copied)).append(element);
     copied = found;
+    found = page.indexOf(headEnd, found + headEnd.size());
   }
   return result.append(page.sliced(copied));
 }
@@ -60,15 +72,17 @@ QString filledFrame(const QString& document, QStringView inner) {
 }  // namespace
 
 QString withStyles(QStringView page, QStringView styles) {
-  QString text = withoutElements(page, u"<script", u"</script>");
-  text = withoutElements(text, u"<style", u"</style>");
-  text = withoutElements(text, u"<noscript>", u"</noscript>");
+  QString text = page.toString();
+  removeElements(text, u"<script", u"</script>");
+  removeElements(text, u"<style", u"</style>");
+  removeElements(text, u"<noscript>", u"</noscript>");
   return withStylesInHead(text, styles);
 }
 
 QString withFrames(QStringView page, QStringView frames) {
   FrameList list(frames);
   QString result;
+  result.reserve(page.size() + frames.size());
   qsizetype copied = 0;
   ElementMatcher elements(page, frameOpening, frameClosing);
   while (const auto element = elements.next()) {

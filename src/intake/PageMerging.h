@@ -8,9 +8,10 @@
 /// are linear in the input.
 namespace PageMerging {
 
-/// The merged text stays below this many UTF-16 units as long as the page itself does: a few
-/// letters can otherwise ask for any number of copies. A head end or frame that would go beyond
-/// stays as it is.
+/// A few letters can ask for any number of copies of the styles, and quotes in a frame grow
+/// sixfold. Beyond these bounds, in UTF-16 units, further head ends and frames stay as they are:
+/// all copies of the styles after the second together, and the text with its frames.
+constexpr qsizetype maximumStyleCopies = 32LL * 1024 * 1024;
 constexpr qsizetype maximumSize = 256LL * 1024 * 1024;
 
 /// The page without its scripts, style elements and bare noscript elements, with the styles at the

@@ -46,8 +46,8 @@ Result<QString> readRequestText(QIODevice& device, qint64 limit) {
   return QString::fromUtf8(*bytes);
 }
 
-Result<CapturedPage> capturedPage(QString request, const CVUtils& utils) {
-  const CapturePayload payload = CapturePayload::decode(std::move(request));
+Result<CapturedPage> capturedPage(const QString& request, const CVUtils& utils) {
+  const CapturePayload payload = CapturePayload::decode(request);
   if (!payload.address) {
     return failure(errorDomain, NoAddress,
                    u"The request has no web address that a page could come from."_s);

@@ -29,6 +29,6 @@ struct CapturedPage {
 };
 
 /// Decodes and merges a request. The error says that it has no usable address.
-Result<CapturedPage> capturedPage(QString request, const CVUtils& utils);
+Result<CapturedPage> capturedPage(const QString& request, const CVUtils& utils);
 
 }  // namespace RequestInput
