@@ -1,4 +1,6 @@
 #include <gtest/gtest.h>
+#include <signal.h>
+#include <sys/prctl.h>
 
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>
@@ -18,6 +20,9 @@ namespace {
 class KeyRing {
  public:
   bool start() {
+    // They must not outlive a test that crashes.
+    for (QProcess* process : {&daemon_, &bus_})
+      process->setChildProcessModifier([] { ::prctl(PR_SET_PDEATHSIG, SIGTERM); });
     bus_.start(u"dbus-daemon"_s, {u"--session"_s, u"--nofork"_s, u"--print-address=1"_s});
     if (!bus_.waitForStarted() || !bus_.waitForReadyRead()) return false;
     qputenv("DBUS_SESSION_BUS_ADDRESS", bus_.readLine().trimmed());

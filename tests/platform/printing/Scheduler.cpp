@@ -1,6 +1,8 @@
 #include "Scheduler.h"
 
 #include <cups/cups.h>
+#include <signal.h>
+#include <sys/prctl.h>
 #include <unistd.h>
 
 #include <QDir>
@@ -66,6 +68,8 @@ std::unique_ptr<Scheduler> Scheduler::start() {
   auto scheduler = std::unique_ptr<Scheduler>(new Scheduler);
   scheduler->writeConfiguration();
   const QString folder = scheduler->folder_.path();
+  // The scheduler must not outlive a test that crashes.
+  scheduler->process_.setChildProcessModifier([] { ::prctl(PR_SET_PDEATHSIG, SIGTERM); });
   scheduler->process_.start(program, {u"-f"_s, u"-c"_s, folder + u"/cupsd.conf"_s, u"-s"_s,
                                       folder + u"/cups-files.conf"_s});
   const bool isReady = support::waitFor([&] { return scheduler->isAnswering(); }) &&
