@@ -270,6 +270,9 @@ ClientsManager& ClientsManager::shared() {
   static std::unique_ptr<ClientsManager> manager;
   if (!manager) {
     manager = std::make_unique<ClientsManager>();
+    // A worker that waits for its upload must not keep a program that is ending.
+    QObject::connect(QCoreApplication::instance(), &QCoreApplication::aboutToQuit,
+                     [] { manager->close(); });
     // Qt's network objects must not outlive the application object.
     qAddPostRoutine([] { manager.reset(); });
   }

@@ -42,8 +42,8 @@ class ClientsManager {
   ClientsManager(const ClientsManager&) = delete;
   ClientsManager& operator=(const ClientsManager&) = delete;
 
-  /// The program's own manager; made by the first call (on the main thread), ended with the
-  /// application object.
+  /// The program's own manager; made by the first call (on the main thread, with an application
+  /// object), closed when the event loop ends and destroyed with the application object.
   static ClientsManager& shared();
 
   /// Sets the application key and begins to read the stored authorization. Called once, at
