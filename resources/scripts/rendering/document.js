@@ -23,9 +23,8 @@
     for (const element of corvalisPage.elements(document)) {
       if (filled.includes(element)) continue;
       const box = element.getBoundingClientRect();
-      if (box.width === 0 && box.height === 0) continue;
-      const style = getComputedStyle(element);
-      if (style.position === 'fixed' || style.visibility === 'hidden') continue;
+      if (box.width === 0 || box.height === 0 || box.right + scrollX <= 0) continue;
+      if (!element.checkVisibility({ opacityProperty: true, visibilityProperty: true })) continue;
       bottom = Math.max(bottom, box.bottom + scrollY);
     }
     if (document.body && quirks) {
@@ -41,7 +40,10 @@
     const root = viewportElement();
     const width = hidesOverflowRight() ? innerWidth : Math.min(Math.max(root.scrollWidth, innerWidth), widest);
     const fitsViewport = root.scrollHeight <= innerHeight;
-    const height = fitsViewport ? Math.min(lowHeight(), innerHeight) : root.scrollHeight;
+    // The scroll height is rounded to the nearest pixel; a part of a row counts as a row here.
+    const bottom = document.documentElement.getBoundingClientRect().bottom + scrollY - 0.05;
+    const highHeight = bottom > root.scrollHeight + 1 ? root.scrollHeight : Math.max(root.scrollHeight, bottom);
+    const height = fitsViewport ? Math.min(lowHeight(), innerHeight) : highHeight;
     return { width, height: Math.ceil(height), viewportWidth: innerWidth, viewportHeight: innerHeight };
   };
 

@@ -49,17 +49,8 @@
   const heavy = ':not(#corvalis-a#corvalis-b#corvalis-c)';
 
   // Colours as on the screen. On one tall page nothing may break or be put on a page of its own.
-  corvalisPage.addPrintRules = (pages, margins, layoutWidth) => {
+  corvalisPage.addPrintRules = (pages, layoutWidth) => {
     const rules = [`*${heavy} { print-color-adjust: exact !important; }`];
-    // The page's own paper, margins and margin boxes lose, on first, left, right and named pages too.
-    const boxes = ['top', 'bottom'].flatMap((edge) =>
-      ['left-corner', 'left', 'center', 'right', 'right-corner'].map((place) => `@${edge}-${place}`));
-    const sides = ['left', 'right'].flatMap((edge) =>
-      ['top', 'middle', 'bottom'].map((place) => `@${edge}-${place}`));
-    const empty = [...boxes, ...sides].map((box) => `${box} { content: none !important; }`).join(' ');
-    for (const which of ['', ':first', ':left', ':right', ':blank']) {
-      rules.push(`@page ${which} { size: auto !important; margin: ${margins} !important; ${empty} }`);
-    }
     if (pages === 'one') {
       rules.push(`*${heavy}, *${heavy}::before, *${heavy}::after {
         break-before: auto !important; break-after: auto !important; break-inside: auto !important;

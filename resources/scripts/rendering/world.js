@@ -50,7 +50,7 @@ globalThis.corvalisPage = { ready: true };
       changes.push(() => {
         if (old) element.style.setProperty(name, old, priority);
         else element.style.removeProperty(name);
-        if (!hadAttribute && element.style.length === 0) element.removeAttribute('style');
+        if (!hadAttribute && element.getAttribute('style') === '') element.removeAttribute('style');
       });
     }
   };

@@ -33,7 +33,7 @@ struct PictureOptions {
   /// Device pixels per CSS pixel.
   double scale = 1;
   PictureArea area = PictureArea::WholeDocument;
-  LowDocumentRule lowDocument;
+  LowDocumentRule lowDocument = {};
 };
 
 struct CapturedPicture {

@@ -39,8 +39,6 @@ class PrintJob : public std::enable_shared_from_this<PrintJob> {
   void start(const std::shared_ptr<web::Page>& page, FlatPages pages);
 
  protected:
-  /// As CSS.
-  virtual QString margins() const { return u"0"_s; }
   virtual void print() = 0;
   void printOn(const PrintPaper& paper);
   virtual void printed(const PrintRun& run) { finish(run); }
@@ -83,7 +81,7 @@ void PrintJob::addRules() {
   const bool wider = layout().document.width() > layout().viewport.width();
   const QString mode = pages_ == FlatPages::One ? u"one"_s : u"many"_s;
   const double width = wider ? layout().viewport.width() : 0;
-  callPageScript(document_->page(), u"addPrintRules"_s, {mode, margins(), width},
+  callPageScript(document_->page(), u"addPrintRules"_s, {mode, width},
                  [self = shared_from_this()](const Result<QJsonValue>& done) {
                    done ? self->print() : self->end(tl::unexpected(done.error()));
                  });
@@ -142,19 +140,11 @@ class PaginatedPrint : public PrintJob {
       : PrintJob(std::move(path), std::move(callback)), setup_(setup) {}
 
  protected:
-  QString margins() const override;
   void print() override;
 
  private:
   PageSetup setup_;
 };
-
-QString PaginatedPrint::margins() const {
-  return u"%1pt %2pt %3pt %4pt"_s.arg(setup_.margins.top())
-      .arg(setup_.margins.right())
-      .arg(setup_.margins.bottom())
-      .arg(setup_.margins.left());
-}
 
 /// The layout is as wide as the printable width divided by the scale: the scale makes that the
 /// document's.

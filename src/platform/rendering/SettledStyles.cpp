@@ -84,7 +84,10 @@ void SettledStyles::askConditions() {
   }
   conditions_.removeDuplicates();
   if (conditions_.isEmpty()) return change({});
-  callPageScript(page_, u"mediaMatches"_s, {QJsonArray::fromStringList(conditions_)},
+  // Not in braces: those would copy the inner list instead of wrapping it.
+  QJsonArray arguments;
+  arguments.append(QJsonArray::fromStringList(conditions_));
+  callPageScript(page_, u"mediaMatches"_s, arguments,
                  [self = shared_from_this()](Result<QJsonValue> value) {
                    value ? self->change(value->toArray()) : self->finish(value.error());
                  });

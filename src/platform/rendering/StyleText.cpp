@@ -23,7 +23,7 @@ const QRegularExpression& lengthPattern() {
 /// Cheap, for the many sheets that have none.
 bool mentionsViewport(const QString& css) {
   static const QRegularExpression pattern(
-      uR"re(\d[sld]?v(?:h|w|min|max|b|i)\b|height|width|orientation|aspect-ratio)re"_s,
+      uR"re(\d[sld]?v(?:h|w|min|max|b|i)\b|height|width|orientation|aspect-ratio|@page)re"_s,
       QRegularExpression::CaseInsensitiveOption);
   return pattern.match(css).hasMatch();
 }
@@ -89,7 +89,7 @@ QString settledConditions(const QString& media, const ScreenViewport& viewport) 
   return result + media.mid(copied);
 }
 
-enum class Piece { Declaration, MediaRule, Other };
+enum class Piece { Declaration, MediaRule, PageRule, Other };
 
 /// Cuts a style sheet into the texts between braces and semicolons, knows which of them are
 /// declarations, and puts it together again.
@@ -117,19 +117,19 @@ class SheetReader {
     if (character == u')' || character == u']') depth_ = qMax(0, depth_ - 1);
     if (character == u'}') depth_ = 0;
     if (depth_ > 0) return;
-    if (character == u'{')
-      finish(isMediaRule() ? Piece::MediaRule : Piece::Other, match.capturedEnd());
     const bool endsDeclaration = character == u';' || character == u'}';
-    if (endsDeclaration)
-      finish(isMediaRule() ? Piece::MediaRule : Piece::Declaration, match.capturedEnd());
-    start_ = (character == u'{' || endsDeclaration) ? match.capturedEnd() : start_;
+    if (character == u'{') finish(pieceOr(Piece::Other), match.capturedEnd());
+    if (endsDeclaration) finish(pieceOr(Piece::Declaration), match.capturedEnd());
   }
 
-  /// @media, and @import with conditions. Comments may stand before.
-  bool isMediaRule() const {
-    static const QRegularExpression rule(uR"re(^(?:\s|/\*[\s\S]*?\*/)*@(?:media|import)\b)re"_s,
-                                         QRegularExpression::CaseInsensitiveOption);
-    return rule.match(QStringView(css_).sliced(start_)).hasMatch();
+  /// What the at-rule is that the text begins with, else `ordinary`. Comments may stand before.
+  Piece pieceOr(Piece ordinary) const {
+    static const QRegularExpression rule(
+        uR"re(^(?:\s|/\*[\s\S]*?\*/)*@(?:media|import|(?<page>page))\b)re"_s,
+        QRegularExpression::CaseInsensitiveOption);
+    const auto match = rule.match(QStringView(css_).sliced(start_));
+    if (!match.hasMatch()) return ordinary;
+    return match.captured(u"page").isEmpty() ? Piece::MediaRule : Piece::PageRule;
   }
 
   void finish(Piece piece, qsizetype end) {
@@ -177,6 +177,7 @@ std::optional<QString> settledStyleSheet(const QString& css, const ScreenViewpor
   if (!mentionsViewport(css)) return {};
   const auto edit = [&viewport](Piece piece, QStringView text) {
     if (piece == Piece::MediaRule) return settledConditions(text.toString(), viewport);
+    if (piece == Piece::PageRule) return u"@media not all{"_s;
     if (piece == Piece::Declaration) return settledDeclaration(text, viewport.size);
     return text.toString();
   };
