@@ -23,7 +23,7 @@ class DropboxTest : public ::testing::Test {
     configuration.retry = {.attempts = 3,
                            .firstPause = std::chrono::milliseconds(1),
                            .longestPause = std::chrono::seconds(5),
-                           .silence = std::chrono::milliseconds(700)};
+                           .silence = std::chrono::seconds(20)};
   }
   void TearDown() override { EXPECT_EQ(service.faults().join(u'\n').toStdString(), ""); }
 

@@ -184,6 +184,8 @@ TEST_F(UploadTest, TroubleThatStaysEndsAfterTheLastAttempt) {
   EXPECT_EQ(code(upload(file("x"))), dropbox::ErrorService);
   EXPECT_EQ(service.routes.size(), 3);
 
+  configuration.retry.silence = std::chrono::milliseconds(300);
+  manager = startLinked();
   Response silent;
   silent.isSilent = true;
   for (int i = 0; i < 3; ++i)
