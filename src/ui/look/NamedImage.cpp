@@ -11,7 +11,9 @@ using namespace Qt::StringLiterals;
 
 /// The resources lie in a static library, where nothing else makes the linker keep them. Outside of
 /// every namespace, as the macro needs it.
-static void keepResources() { Q_INIT_RESOURCE(icons); }
+static void keepResources() {
+  Q_INIT_RESOURCE(icons);
+}
 
 namespace ui {
 namespace {

@@ -8,6 +8,7 @@
 #include "queue/CVEntry.h"
 #include "queue/CVEntryDelegate.h"
 #include "ui/queue/EntryAppearance.h"
+#include "ui/queue/EntryRowView.h"
 
 class CVDefaultPreferences;
 class CVEntryViewController;
@@ -16,9 +17,6 @@ namespace desktop {
 class Notifications;
 class SoundPlayer;
 }  // namespace desktop
-namespace ui {
-class EntryRowView;
-}
 
 /// Hears what a row wants of its table. State changes come on the thread of the entry's setter.
 class CVEntryViewControllerDelegate {

@@ -6,7 +6,7 @@
 #include <QTimer>
 #include <algorithm>
 
-#include "ui/look/Theme.h"
+#include "ui/queue/AccessibleRoles.h"
 
 namespace ui {
 namespace {
@@ -25,6 +25,7 @@ QueueTableView::QueueTableView(QWidget* parent)
     : QAbstractScrollArea(parent),
       layoutTimer_(new QTimer(this)),
       dropLine_(new QWidget(viewport())) {
+  installAccessibleRoles();
   setFrameShape(QFrame::NoFrame);
   setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
   setFocusPolicy(Qt::NoFocus);

@@ -1,0 +1,44 @@
+#pragma once
+
+#include <QWidget>
+
+namespace ui {
+
+/// A small surface that points at a control and goes away at the next click outside of it. Made on
+/// the heap; it deletes itself when it has closed. Main thread.
+class Popover : public QWidget {
+  Q_OBJECT
+
+ public:
+  enum class Edge { Above, Below, Right };
+
+  /// Takes the content over.
+  Popover(QWidget* content, QWidget* window);
+
+  /// Points at the middle of the anchor's edge; where the screen has no room there, at the opposite
+  /// one.
+  void showRelativeTo(const QWidget& anchor, Edge preferred);
+
+  /// Where the tip of the arrow is, in the popover's own coordinates.
+  QPoint arrowTip() const { return tip_; }
+  Edge edge() const { return edge_; }
+
+ Q_SIGNALS:
+  void closed();
+
+ protected:
+  void paintEvent(QPaintEvent* event) override;
+  void closeEvent(QCloseEvent* event) override;
+  void keyPressEvent(QKeyEvent* event) override;
+
+ private:
+  QRect body() const;
+  QPainterPath outline() const;
+  QPoint placeAt(const QRect& anchor, const QRect& screen);
+  void shapeWindow();
+
+  Edge edge_ = Edge::Above;
+  QPoint tip_;
+};
+
+}  // namespace ui

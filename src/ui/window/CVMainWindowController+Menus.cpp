@@ -1,0 +1,126 @@
+#include <QFileDialog>
+#include <QMenuBar>
+
+#include "intake/CVAppDelegate.h"
+#include "platform/desktop/BrowserOpener.h"
+#include "platform/dispatch/Dispatch.h"
+#include "ui/window/CVMainWindowController.h"
+#include "ui/window/QueueActions.h"
+#include "ui_CVMainWindowController.h"
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+const QUrl helpPage(u"https://www.maplebrook.com/corvalis/help"_s);
+const QUrl feedbackPage(u"https://www.maplebrook.com/corvalis/feedback"_s);
+const QUrl homePage(u"https://www.maplebrook.com"_s);
+
+void capture(const std::shared_ptr<CVAppDelegate>& delegate, void (CVAppDelegate::*command)()) {
+  if (!delegate) return;
+  dispatch::globalAsync(dispatch::Priority::High,
+                        [delegate, command] { ((*delegate).*command)(); });
+}
+
+}  // namespace
+
+void CVMainWindowController::createMenus() {
+  createCaptureMenu();
+  createQueueMenu();
+  createHelpMenu();
+}
+
+void CVMainWindowController::createCaptureMenu() {
+  QMenu* menu = menuBar()->addMenu(tr("&Capture"));
+  const auto delegate = services_.delegate;
+  menu->addAction(tr("&Paste Addresses"), QKeySequence::Paste, this, [delegate] {
+    if (delegate) delegate->onPasteURL();
+  });
+  menu->addAction(tr("&Open Files…"), QKeySequence::Open, this, &CVMainWindowController::openFiles);
+  menu->addSeparator();
+  menu->addAction(tr("From &Safari"), QKeySequence(u"Ctrl+Shift+S"_s), this,
+                  &CVMainWindowController::captureFromSafari);
+  menu->addAction(tr("From &Chrome"), QKeySequence(u"Ctrl+Shift+C"_s), this,
+                  &CVMainWindowController::captureFromChrome);
+  menu->addAction(tr("&Mini Browser"), QKeySequence(u"Ctrl+L"_s), this, [this] {
+    if (services_.showMiniBrowser) services_.showMiniBrowser();
+  });
+  menu->addSeparator();
+  menu->addAction(tr("P&references…"), QKeySequence(u"Ctrl+,"_s), this, [this] {
+    if (services_.showPreferences) services_.showPreferences();
+  });
+  menu->addSeparator();
+  menu->addAction(tr("Close &Window"), QKeySequence::Close, this, &QWidget::close);
+  menu->addAction(tr("&Quit"), QKeySequence::Quit, this, &QWidget::close);
+}
+
+void CVMainWindowController::createQueueMenu() {
+  QMenu* menu = menuBar()->addMenu(tr("&Queue"));
+  const auto add = [this, menu](const QString& text, const QString& keys,
+                                void (CVAppDelegate::*command)()) {
+    return menu->addAction(text, QKeySequence(keys), this, [this, command] {
+      if (services_.delegate) ((*services_.delegate).*command)();
+    });
+  };
+  QueueActions& actions = *queueActions_;
+  actions.processAll = add(tr("&Process All"), u"Ctrl+Return"_s, &CVAppDelegate::processAll);
+  menu->addSeparator();
+  actions.saveVector =
+      add(tr("&Save All as One PDF…"), u"Ctrl+S"_s, &CVAppDelegate::saveAsMultipagePDFVector);
+  actions.emailVector =
+      add(tr("&Mail All as One PDF"), u"Ctrl+M"_s, &CVAppDelegate::emailAsMultipagePDFVector);
+  actions.saveImage = add(tr("Save All as One PDF of P&ictures…"), u"Ctrl+Alt+S"_s,
+                          &CVAppDelegate::saveAsMultipagePDFImage);
+  actions.emailImage = add(tr("Mail All as One PDF of Pic&tures"), u"Ctrl+Alt+M"_s,
+                           &CVAppDelegate::emailAsMultipagePDFImage);
+  menu->addSeparator();
+  actions.clearCompleted = add(tr("&Clear Completed"), u"Ctrl+K"_s, &CVAppDelegate::clearCompleted);
+  actions.clearAll = add(tr("Clear &All"), u"Ctrl+Shift+K"_s, &CVAppDelegate::clearAll);
+  menu->addSeparator();
+  actions.warnings = menu->addAction(tr("Show &Warnings"), QKeySequence(u"Ctrl+Shift+W"_s), this,
+                                     &CVMainWindowController::showWarnings);
+  updateMenus();
+}
+
+void CVMainWindowController::updateMenus() {
+  const QueueActions& actions = *queueActions_;
+  for (QAction* merge :
+       {actions.saveVector, actions.emailVector, actions.saveImage, actions.emailImage}) {
+    merge->setEnabled(batchState_.enableBatch);
+  }
+  actions.processAll->setEnabled(batchState_.enableProcessAll);
+  actions.clearAll->setEnabled(batchState_.enableClearAll);
+  actions.clearCompleted->setEnabled(batchState_.enableClearCompleted);
+  actions.warnings->setEnabled(layout_->warningButton->isVisibleTo(this));
+}
+
+void CVMainWindowController::createHelpMenu() {
+  QMenu* menu = menuBar()->addMenu(tr("&Help"));
+  const auto add = [this, menu](const QString& text, const QKeySequence& keys, const QUrl& page) {
+    menu->addAction(text, keys, this, [this, page] {
+      if (services_.browser) services_.browser->open(page);
+    });
+  };
+  add(tr("Corvalis &Help"), QKeySequence::HelpContents, helpPage);
+  add(tr("Send &Feedback"), {}, feedbackPage);
+  add(tr("&Maplebrook Home Page"), {}, homePage);
+}
+
+void CVMainWindowController::captureFromSafari() {
+  capture(services_.delegate, &CVAppDelegate::onCaptureFromSafari);
+}
+
+void CVMainWindowController::captureFromChrome() {
+  capture(services_.delegate, &CVAppDelegate::onCaptureFromChrome);
+}
+
+void CVMainWindowController::openFiles() {
+  auto* panel = new QFileDialog(this, tr("Open Files"));
+  panel->setAttribute(Qt::WA_DeleteOnClose);
+  panel->setFileMode(QFileDialog::ExistingFiles);
+  panel->setLabelText(QFileDialog::Accept, tr("Capture"));
+  connect(panel, &QFileDialog::filesSelected, this, [this](const QStringList& paths) {
+    if (services_.delegate) services_.delegate->dragViewFilesWereDropped(paths);
+  });
+  panel->open();
+}
