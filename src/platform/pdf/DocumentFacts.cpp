@@ -25,8 +25,9 @@ bool hasOutline(QPDFObjectHandle root) {
 }  // namespace
 
 Result<DocumentFacts> documentFacts(const QString& path) {
-  QPDF document;
-  if (MaybeError error = openQpdf(document, path)) return tl::unexpected(*error);
+  const auto opened = openQpdf(path);
+  if (!opened) return tl::unexpected(opened.error());
+  QPDF& document = **opened;
   DocumentFacts facts;
   const MaybeError error =
       catchingQpdf(PDFErrorUnreadable, u"The document \"%1\" is damaged: "_s.arg(path), [&] {

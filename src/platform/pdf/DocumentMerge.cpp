@@ -2,7 +2,6 @@
 
 #include <QFileInfo>
 #include <algorithm>
-#include <qpdf/QPDFPageLabelDocumentHelper.hh>
 
 #include "platform/base/Log.h"
 #include "platform/pdf/internal/Contents.h"
@@ -13,6 +12,7 @@
 #include "platform/pdf/internal/merge/Layers.h"
 #include "platform/pdf/internal/merge/ObjectCopier.h"
 #include "platform/pdf/internal/merge/Outlines.h"
+#include "platform/pdf/internal/merge/ReadAhead.h"
 #include "platform/pdf/internal/merge/Tags.h"
 
 using namespace Qt::StringLiterals;
@@ -78,9 +78,7 @@ class Joiner {
   bool isEmpty() const { return joined_.pages.empty(); }
   const std::string& version() const { return joined_.version; }
 
-  MaybeError add(const MergeSource& source, FileAccess access) {
-    QPDF document;
-    if (MaybeError error = openQpdf(document, source.path, access)) return error;
+  MaybeError add(const MergeSource& source, QPDF& document) {
     if (document.getAllPages().empty()) return noPages(source.path);
     return catchingQpdf(PDFErrorUnreadable, u"The document \"%1\" is damaged: "_s.arg(source.path),
                         [&] {
@@ -110,13 +108,13 @@ class Joiner {
   Parts copyParts(const MergeSource& source, QPDF& document, ObjectCopier& copier) {
     Parts parts;
     parts.version = document.getPDFVersion();
-    document.pushInheritedAttributesToPage();
     drawFields(document, copier);
     for (const QPDFObjectHandle& page : document.getAllPages()) {
       parts.pages.push_back(target_.makeIndirectObject(QPDFObjectHandle::newDictionary()));
       copier.map(page, parts.pages.back());
     }
-    const DocumentDestinations destinations(document, joined_.destinations);
+    const DocumentDestinations destinations(document, joined_.destinations,
+                                            joined_.headings.size() + 1);
     destinations.rename(copier.renaming());
     DocumentTags tags(document, joined_.tags, tagRoot_, copier);
     parts.headings = {outlineHeading(target_, document, copier, headingText(source, document),
@@ -152,15 +150,21 @@ class Joiner {
     return copies;
   }
 
-  /// A document without labels is numbered from 1, as readers number it alone.
+  /// Pages before a document's first label, or all when it has none, are numbered from 1, as
+  /// readers number them.
   void copyPageLabels(QPDF& document, Parts& parts, ObjectCopier& copier) const {
-    QPDFPageLabelDocumentHelper labels(document);
-    parts.hasPageLabels = labels.hasPageLabels();
+    const auto start = static_cast<long long>(joined_.pages.size());
     const auto count = static_cast<long long>(parts.pages.size());
-    std::vector<QPDFObjectHandle> own;
-    labels.getLabelsForPageRange(0, count - 1, static_cast<long long>(joined_.pages.size()), own);
-    for (const QPDFObjectHandle& item : own)
-      parts.pageLabels.push_back(copier.copy(item));
+    NumberTree labels = readNumberTree(document.getRoot().getKey("/PageLabels"));
+    parts.hasPageLabels = !labels.empty();
+    QPDFObjectHandle numbered = QPDFObjectHandle::newDictionary();
+    numbered.replaceKey("/S", QPDFObjectHandle::newName("/D"));
+    labels.try_emplace(0, numbered);
+    for (const auto& [index, label] : labels) {
+      if (index < 0 || index >= count) continue;
+      parts.pageLabels.push_back(QPDFObjectHandle::newInteger(start + index));
+      parts.pageLabels.push_back(copier.copy(label));
+    }
   }
 
   void copyAttributes(QPDF& document, ObjectCopier& copier) {
@@ -191,27 +195,38 @@ class Joiner {
   Parts joined_;
 };
 
-/// Beyond this many documents the number of open files would reach the system's usual limit.
-constexpr size_t mostOpenFiles = 200;
+/// Joins what can be read and says what cannot.
+std::vector<SkippedSource> joinAll(const std::vector<MergeSource>& sources, Joiner& joiner) {
+  QStringList paths;
+  for (const MergeSource& source : sources)
+    paths += source.path;
+  std::vector<SkippedSource> skipped;
+  ReadAhead documents(paths);
+  std::unique_ptr<QPDF> document;
+  for (const MergeSource& source : sources) {
+    auto opened = documents.next(std::move(document));
+    MaybeError error;
+    if (opened) document = std::move(*opened);
+    error = opened ? joiner.add(source, *document) : opened.error();
+    if (!error) continue;
+    logLine(u"Left out while joining documents: "_s + error->localizedDescription);
+    skipped.push_back({source.path, *error});
+  }
+  return skipped;
+}
 
 }  // namespace
 
 Result<MergedDocument> mergeDocuments(const std::vector<MergeSource>& sources) {
-  auto contents = std::make_shared<PDFDocument::Contents>();
+  auto contents = std::make_shared<PDFDocument::Contents>(std::make_unique<QPDF>());
   contents->qpdf.setSuppressWarnings(true);
   contents->qpdf.emptyPDF();
   Joiner joiner(contents->qpdf);
   MergedDocument merged;
-  const FileAccess access =
-      sources.size() > mostOpenFiles ? FileAccess::OpenOnDemand : FileAccess::KeepOpen;
-  for (const MergeSource& source : sources) {
-    if (MaybeError error = joiner.add(source, access)) {
-      logLine(u"Left out while joining documents: "_s + error->localizedDescription);
-      merged.skipped.push_back({source.path, *error});
-    }
-  }
+  merged.skipped = joinAll(sources, joiner);
+  if (joiner.isEmpty() && !merged.skipped.empty())
+    return tl::unexpected(merged.skipped.front().reason);
   if (joiner.isEmpty()) {
-    if (!merged.skipped.empty()) return tl::unexpected(merged.skipped.front().reason);
     return failure(QString::fromUtf16(errorDomain), PDFErrorNoPages,
                    u"There are no documents to join."_s);
   }

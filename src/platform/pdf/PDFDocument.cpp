@@ -23,9 +23,9 @@ PDFDocument::PDFDocument(std::shared_ptr<Contents> contents) : contents_(std::mo
 PDFDocument::~PDFDocument() = default;
 
 Result<std::shared_ptr<PDFDocument>> PDFDocument::open(const QString& path) {
-  auto contents = std::make_shared<Contents>();
-  if (MaybeError error = openQpdf(contents->qpdf, path)) return tl::unexpected(*error);
-  return std::make_shared<PDFDocument>(std::move(contents));
+  auto opened = openQpdf(path);
+  if (!opened) return tl::unexpected(opened.error());
+  return std::make_shared<PDFDocument>(std::make_shared<Contents>(std::move(*opened)));
 }
 
 Result<std::shared_ptr<PDFDocument>> PDFDocument::initWithURL(const QUrl& url) {
@@ -33,7 +33,7 @@ Result<std::shared_ptr<PDFDocument>> PDFDocument::initWithURL(const QUrl& url) {
 }
 
 std::shared_ptr<PDFDocument> PDFDocument::createEmpty() {
-  auto contents = std::make_shared<Contents>();
+  auto contents = std::make_shared<Contents>(std::make_unique<QPDF>());
   contents->qpdf.setSuppressWarnings(true);
   contents->qpdf.emptyPDF();
   return std::make_shared<PDFDocument>(std::move(contents));

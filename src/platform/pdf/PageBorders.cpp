@@ -84,8 +84,9 @@ void overlayAll(QPDF& document, QPDF& borders, const std::vector<bool>& drawn) {
 
 MaybeError drawPageBorders(const QString& input, const QString& output,
                            const DrawPageBorder& draw) {
-  QPDF document;
-  if (MaybeError error = openQpdf(document, input)) return error;
+  const auto opened = openQpdf(input);
+  if (!opened) return opened.error();
+  QPDF& document = **opened;
   const std::vector<QSizeF> sizes = shownSizes(document);
   if (sizes.empty()) {
     return Error{QString::fromUtf16(errorDomain), PDFErrorNoPages,

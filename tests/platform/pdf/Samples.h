@@ -13,7 +13,8 @@ namespace samples {
 /// A document of one page (612 x 792 points) for each text, the text in its middle.
 QString pages(const QStringList& texts);
 
-/// A document from the objects' text, numbered from 1, object 1 its catalog. The cross-reference table is right.
+/// A document from the objects' text, numbered from 1, object 1 its catalog. The cross-reference
+/// table is right.
 QString fromObjects(const QStringList& objects, const QString& trailer = {});
 
 /// A picture file as the page engine's pictures are stored, and where its strips are.

@@ -1,10 +1,13 @@
 #include "Tools.h"
 
+#include <sys/resource.h>
+
 #include <QDir>
 #include <QFile>
 #include <QProcess>
 #include <QRegularExpression>
 #include <QTemporaryDir>
+#include <csignal>
 
 using namespace Qt::StringLiterals;
 
@@ -34,7 +37,7 @@ std::vector<Word> words(const QString& path) {
       u"<page |<word xMin=\"([\\d.-]+)\" yMin=\"([\\d.-]+)\" xMax=\"([\\d.-]+)\" yMax=\"([\\d.-]+)\">(.*?)</word>"_s);
   std::vector<Word> found;
   int page = 0;
-  const QString output = run(u"pdftotext"_s, {u"-bbox"_s, path, u"-"_s}).output;
+  const QString output = run(u"pdftotext"_s, {u"-bbox"_s, u"-cropbox"_s, path, u"-"_s}).output;
   auto matches = form.globalMatch(output);
   while (matches.hasNext()) {
     const QRegularExpressionMatch match = matches.next();
@@ -87,6 +90,16 @@ QString file(const QString& name, const QByteArray& bytes) {
 QByteArray contents(const QString& path) {
   QFile file(path);
   return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+void onFullDisk(quint64 bytes, const std::function<void()>& work) {
+  std::signal(SIGXFSZ, SIG_IGN);
+  rlimit before{};
+  getrlimit(RLIMIT_FSIZE, &before);
+  const rlimit small{bytes, before.rlim_max};
+  setrlimit(RLIMIT_FSIZE, &small);
+  work();
+  setrlimit(RLIMIT_FSIZE, &before);
 }
 
 }  // namespace tools

@@ -5,6 +5,7 @@
 #include <QRectF>
 #include <QString>
 #include <QStringList>
+#include <functional>
 #include <vector>
 
 namespace tools {
@@ -44,5 +45,8 @@ QString fresh(const QString& name);
 QString file(const QString& name, const QByteArray& bytes);
 
 QByteArray contents(const QString& path);
+
+/// Runs `work` as on a disk that takes no more than `bytes` of a file.
+void onFullDisk(quint64 bytes, const std::function<void()>& work);
 
 }  // namespace tools

@@ -11,7 +11,10 @@
 namespace pdf {
 
 struct PDFDocument::Contents {
-  QPDF qpdf;
+  explicit Contents(std::unique_ptr<QPDF> document) : holder(std::move(document)), qpdf(*holder) {}
+
+  std::unique_ptr<QPDF> holder;
+  QPDF& qpdf;
   /// The version of the format that the contents need; empty: what the document says itself.
   std::string leastVersion;
   /// Documents whose pages were taken over: their files are read when this one is written.

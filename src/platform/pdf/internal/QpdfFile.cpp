@@ -1,10 +1,12 @@
 #include "platform/pdf/internal/QpdfFile.h"
 
 #include <QFile>
-#include <QFileInfo>
+#include <QRegularExpression>
 #include <QSaveFile>
-#include <cstdio>
+#include <algorithm>
 #include <memory>
+#include <qpdf/Buffer.hh>
+#include <qpdf/BufferInputSource.hh>
 #include <qpdf/ClosedFileInputSource.hh>
 #include <qpdf/Pipeline.hh>
 #include <qpdf/QPDFExc.hh>
@@ -21,25 +23,57 @@ Error pdfError(int code, const QString& text) {
   return {QString::fromUtf16(errorDomain), code, text};
 }
 
+constexpr qint64 largestInMemory = 64 << 20;
+
 /// A reader looks for the header in the first 1,024 bytes (ISO 32000-1, Annex H.3, note 13). Asking
 /// first keeps the search for objects off large files of other kinds.
-MaybeError checkHeader(const QString& path) {
+MaybeError checkHeader(const QString& path, qint64& size) {
   QFile file(path);
   if (!file.open(QIODevice::ReadOnly)) {
     return pdfError(PDFErrorUnreadable,
                     u"The file \"%1\" cannot be read: %2"_s.arg(path, file.errorString()));
   }
+  size = file.size();
   if (file.read(1024).contains("%PDF-")) return std::nullopt;
   return pdfError(PDFErrorUnreadable, u"The file \"%1\" is not a PDF document."_s.arg(path));
 }
 
-void process(QPDF& document, const QString& path, FileAccess access) {
+QByteArray readWhole(const QString& path) {
+  QFile file(path);
+  return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+std::shared_ptr<InputSource> memorySource(const QByteArray& name, const QByteArray& bytes) {
+  // Freed by the source (see its last argument).
+  auto* buffer = new Buffer(static_cast<size_t>(bytes.size()));
+  std::copy(bytes.begin(), bytes.end(), buffer->getBuffer());
+  return std::make_shared<BufferInputSource>(name.toStdString(), buffer, true);
+}
+
+/// A file that was cut off has lost its trailer, without which nothing is found. Its catalog may
+/// still be there.
+QByteArray withTrailer(const QByteArray& bytes) {
+  static const QRegularExpression numbers(u"(\\d+ \\d+) $"_s);
+  const qsizetype catalog = bytes.lastIndexOf("/Catalog");
+  const qsizetype begin = bytes.lastIndexOf("obj", catalog);
+  if (catalog < 0 || begin < 3 || bytes.mid(begin - 3, 3) == "end") return {};
+  const QRegularExpressionMatch match = numbers.match(QString::fromLatin1(
+      bytes.mid(std::max<qsizetype>(0, begin - 20), std::min<qsizetype>(begin, 20))));
+  if (!match.hasMatch()) return {};
+  return bytes + "\ntrailer << /Root " + match.captured(1).toLatin1() + " R >>\n";
+}
+
+void processMemory(QPDF& document, const QString& path, const QByteArray& bytes) {
+  document.processInputSource(memorySource(QFile::encodeName(path), bytes));
+  document.getAllPages();
+}
+
+void processFile(QPDF& document, const QString& path, FileAccess access) {
   const QByteArray name = QFile::encodeName(path);
-  document.setSuppressWarnings(true);
-  if (access == FileAccess::KeepOpen) {
-    document.processFile(name.constData());
-  } else {
+  if (access == FileAccess::OpenOnDemand) {
     document.processInputSource(std::make_shared<ClosedFileInputSource>(name.constData()));
+  } else {
+    document.processFile(name.constData());
   }
   document.getAllPages();
 }
@@ -71,6 +105,27 @@ void writeTo(QPDF& document, QIODevice& device, const std::string& leastVersion)
   writer.write();
 }
 
+std::unique_ptr<QPDF> newQpdf() {
+  auto document = std::make_unique<QPDF>();
+  document->setSuppressWarnings(true);
+  return document;
+}
+
+MaybeError attempt(const QString& path, const std::function<void()>& process) {
+  bool passwordNeeded = false;
+  const MaybeError error =
+      catchingQpdf(PDFErrorUnreadable, u"The document \"%1\" is damaged: "_s.arg(path), [&] {
+        try {
+          process();
+        } catch (const QPDFExc& exception) {
+          passwordNeeded = exception.getErrorCode() == qpdf_e_password;
+          throw;
+        }
+      });
+  if (!passwordNeeded) return error;
+  return pdfError(PDFErrorEncrypted, u"The document \"%1\" needs a password."_s.arg(path));
+}
+
 }  // namespace
 
 MaybeError catchingQpdf(int code, const QString& what, const std::function<void()>& work) {
@@ -84,22 +139,26 @@ MaybeError catchingQpdf(int code, const QString& what, const std::function<void(
   }
 }
 
-MaybeError openQpdf(QPDF& document, const QString& path, FileAccess access) {
-  if (MaybeError error = checkHeader(path)) return error;
-  bool passwordNeeded = false;
-  const MaybeError error =
-      catchingQpdf(PDFErrorUnreadable, u"The document \"%1\" is damaged: "_s.arg(path), [&] {
-        try {
-          process(document, path, access);
-        } catch (const QPDFExc& exception) {
-          passwordNeeded = exception.getErrorCode() == qpdf_e_password;
-          throw;
-        }
-      });
-  if (passwordNeeded) {
-    return pdfError(PDFErrorEncrypted, u"The document \"%1\" needs a password."_s.arg(path));
+Result<std::unique_ptr<QPDF>> openQpdf(const QString& path, FileAccess access) {
+  qint64 size = 0;
+  if (MaybeError error = checkHeader(path, size)) return tl::unexpected(*error);
+  const bool inMemory = access == FileAccess::Quick && size <= largestInMemory;
+  const QByteArray bytes = inMemory ? readWhole(path) : QByteArray();
+  auto document = newQpdf();
+  MaybeError error = attempt(path, [&] {
+    if (inMemory) {
+      processMemory(*document, path, bytes);
+    } else {
+      processFile(*document, path, access);
+    }
+  });
+  if (error && error->code == PDFErrorUnreadable && inMemory) {
+    const QByteArray mended = withTrailer(bytes);
+    document = newQpdf();
+    if (!mended.isEmpty()) error = attempt(path, [&] { processMemory(*document, path, mended); });
   }
-  return error;
+  if (error) return tl::unexpected(*error);
+  return document;
 }
 
 MaybeError writeQpdf(QPDF& document, const QString& path, const std::string& leastVersion) {
@@ -109,7 +168,8 @@ MaybeError writeQpdf(QPDF& document, const QString& path, const std::string& lea
   if (MaybeError error =
           catchingQpdf(PDFErrorWrite, what, [&] { writeTo(document, file, leastVersion); }))
     return error;
-  if (!file.commit()) return pdfError(PDFErrorWrite, what + file.errorString());
+  // What waits in the buffer is not looked at by commit.
+  if (!file.flush() || !file.commit()) return pdfError(PDFErrorWrite, what + file.errorString());
   return std::nullopt;
 }
 

@@ -4,6 +4,7 @@
 
 #include <QString>
 #include <functional>
+#include <memory>
 #include <qpdf/QPDF.hh>
 #include <string>
 
@@ -13,14 +14,16 @@ namespace pdf {
 
 /// How a document's bytes are reached while it is in use.
 enum class FileAccess {
-  KeepOpen,
-  /// The file is opened for each reading, so that any number of documents can be in use.
+  /// Files of moderate size are held in memory, others are kept open.
+  Quick,
+  /// The file is opened for each reading, so that any number of documents of any size can be in
+  /// use.
   OpenOnDemand,
 };
 
-/// Opens `path` into `document`, without warnings on standard error, and finds its pages: what is
-/// damaged is repaired here or not at all.
-MaybeError openQpdf(QPDF& document, const QString& path, FileAccess access = FileAccess::KeepOpen);
+/// Opens a document, without warnings on standard error, and finds its pages: what is damaged is
+/// repaired here or not at all.
+Result<std::unique_ptr<QPDF>> openQpdf(const QString& path, FileAccess access = FileAccess::Quick);
 
 /// Writes `document` beside `path` and moves it there, in no older version of the format than
 /// `leastVersion`.

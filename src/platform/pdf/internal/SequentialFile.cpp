@@ -69,7 +69,8 @@ void SequentialFile::writeCrossReferences(int catalog) {
 
 MaybeError SequentialFile::finish(int catalog) {
   if (file_.isOpen()) writeCrossReferences(catalog);
-  if (file_.error() == QFileDevice::NoError && file_.commit()) return std::nullopt;
+  // What waits in the buffer is not looked at by commit.
+  if (file_.error() == QFileDevice::NoError && file_.flush() && file_.commit()) return std::nullopt;
   return Error{
       QString::fromUtf16(errorDomain), PDFErrorWrite,
       u"The document \"%1\" cannot be written: %2"_s.arg(file_.fileName(), file_.errorString())};

@@ -40,20 +40,21 @@ void setOptions(QTextLayout& layout, QTextOption::WrapMode wrapping) {
   layout.setTextOption(option);
 }
 
-/// Lays out lines of `width` one below the other, as many as end above `height` but at least one.
-void layOut(QTextLayout& layout, double width, double height) {
+/// Lays out lines of `width` one below the other. Returns how many of them end above `height`, at
+/// least one.
+int layOut(QTextLayout& layout, double width, double height) {
   double y = 0;
+  int fitting = 0;
   layout.beginLayout();
   for (QTextLine line = layout.createLine(); line.isValid(); line = layout.createLine()) {
     line.setLineWidth(width);
-    if (y > 0 && y + line.height() > height + 1) {
-      line.setNumColumns(0);
-      break;
-    }
+    if (fitting > 0 && y + line.height() > height + 1) break;
     line.setPosition({0, y});
     y += line.height();
+    ++fitting;
   }
   layout.endLayout();
+  return fitting;
 }
 
 }  // namespace
@@ -77,11 +78,11 @@ void TextSetter::drawText(QPainter& painter, const QString& text, const Font& fo
   QTextLayout layout(oneLine ? onOneLine(text) : withLineSeparators(text), deviceFont(font),
                      &device_);
   setOptions(layout, oneLine ? QTextOption::NoWrap : QTextOption::WrapAtWordBoundaryOrAnywhere);
-  layOut(layout, area.width() + 1, area.height());
+  const int lines = layOut(layout, area.width() + 1, area.height());
   painter.save();
   painter.setClipRect(area);
   painter.setPen(Qt::black);
-  for (int index = 0; index < layout.lineCount(); ++index) {
+  for (int index = 0; index < lines; ++index) {
     layout.lineAt(index).draw(&painter, area.topLeft());
   }
   painter.restore();
@@ -93,9 +94,7 @@ CanvasWriter::CanvasWriter()
   writer_.setPageMargins(QMarginsF());
 }
 
-CanvasWriter::~CanvasWriter() {
-  painter_.end();
-}
+CanvasWriter::~CanvasWriter() = default;
 
 void CanvasWriter::beginPage(QSizeF size) {
   pageIsDrawn_ = false;
@@ -111,7 +110,7 @@ void CanvasWriter::beginPage(QSizeF size) {
 }
 
 QByteArray CanvasWriter::finish() {
-  painter_.end();
+  if (painter_.isActive()) painter_.end();
   return buffer_.data();
 }
 

@@ -3,9 +3,11 @@
 namespace pdf {
 namespace {
 
-std::string freeName(const std::string& wish, const NameTree& taken, const NameTree& own) {
+/// Documents made alike take the same names, so the document's number is what sets them apart.
+std::string freeName(const std::string& wish, size_t documentNumber, const NameTree& taken,
+                     const NameTree& own) {
   std::string name = wish;
-  for (int number = 2; taken.count(name) > 0 || own.count(name) > 0; ++number) {
+  for (size_t number = documentNumber; taken.count(name) > 0 || own.count(name) > 0; ++number) {
     name = wish + "-" + std::to_string(number);
   }
   return name;
@@ -23,13 +25,14 @@ NameTree destinations(QPDFObjectHandle root) {
 
 }  // namespace
 
-DocumentDestinations::DocumentDestinations(QPDF& source, const NameTree& taken) {
+DocumentDestinations::DocumentDestinations(QPDF& source, const NameTree& taken,
+                                           size_t documentNumber) {
   for (const auto& [name, place] : destinations(source.getRoot())) {
-    names_[name] = freeName(name, taken, destinations_);
+    names_[name] = freeName(name, documentNumber, taken, destinations_);
     destinations_.emplace(names_[name], place);
   }
   for (const auto& [name, place] : oldStyleDestinations(source.getRoot())) {
-    oldStyleNames_[name] = freeName(name.substr(1), taken, destinations_);
+    oldStyleNames_[name] = freeName(name.substr(1), documentNumber, taken, destinations_);
     destinations_.emplace(oldStyleNames_[name], place);
   }
 }

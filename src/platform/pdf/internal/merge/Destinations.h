@@ -9,7 +9,8 @@ namespace pdf {
 /// document.
 class DocumentDestinations {
  public:
-  DocumentDestinations(QPDF& source, const NameTree& taken);
+  /// `documentNumber` counts from 1.
+  DocumentDestinations(QPDF& source, const NameTree& taken, size_t documentNumber);
 
   void rename(Renaming& renaming) const;
   NameTree copy(ObjectCopier& copier) const;
