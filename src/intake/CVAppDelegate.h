@@ -14,9 +14,9 @@
 #include <vector>
 
 #include "capture/CVCaptureServices.h"
+#include "delivery/CVMultipageAssembler.h"
 #include "delivery/CVUtils.h"
 #include "intake/CVMainWindow.h"
-#include "intake/CVMultipageAssembler.h"
 #include "intake/CVPasteboard.h"
 #include "intake/CVRedirectHandler.h"
 #include "platform/defaults/UserDefaults.h"

@@ -1,7 +1,6 @@
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
-#include <QThread>
 
 #include "DelegateFixture.h"
 

@@ -1,6 +1,5 @@
 #include <QFile>
 #include <QTemporaryDir>
-#include <QThread>
 
 #include "DelegateFixture.h"
 
