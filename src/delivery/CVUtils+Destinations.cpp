@@ -1,6 +1,8 @@
+#include <QCoreApplication>
 #include <QFileInfo>
 #include <future>
 #include <memory>
+#include <mutex>
 
 #include "delivery/CVUtils.h"
 #include "platform/base/Log.h"
@@ -40,15 +42,32 @@ bool ranScript(const CVUtils::Services& services, const QString& destination,
 
 using Completion = std::function<void(MaybeError)>;
 
+/// What a waiting thread is released by, whichever comes first.
+class Release {
+ public:
+  void release() {
+    std::call_once(once_, [this] { promise_.set_value(); });
+  }
+  void wait() { promise_.get_future().wait(); }
+
+ private:
+  std::once_flag once_;
+  std::promise<void> promise_;
+};
+
 /// Begins a hand-over that ends on the main thread, and waits for its end: a command-line run must
-/// not be over before it. The main thread itself cannot wait, there the outcome is only logged.
+/// not be over before it. A program that is ending does not wait for a user who is still choosing.
+/// The main thread itself cannot wait, there the outcome is only logged.
 void handOver(const QString& destination, const std::function<void(Completion)>& begin) {
-  auto ended = std::make_shared<std::promise<void>>();
+  auto ended = std::make_shared<Release>();
+  const auto quitting = QObject::connect(
+      QCoreApplication::instance(), &QCoreApplication::aboutToQuit, [ended] { ended->release(); });
   begin([ended, destination](const MaybeError& error) {
     logFailure(destination, error);
-    ended->set_value();
+    ended->release();
   });
-  if (!dispatch::isMainThread()) ended->get_future().wait();
+  if (!dispatch::isMainThread()) ended->wait();
+  QObject::disconnect(quitting);
 }
 
 void upload(const std::shared_ptr<dropbox::ClientsManager>& manager, const QString& path) {

@@ -1,4 +1,5 @@
 #include <gtest/gtest.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <QDBusArgument>
@@ -175,8 +176,12 @@ TEST_F(Mail, FailuresNameTheirCauseAndAStayingLauncherIsNone) {
   programs_.add(u"xdg-email"_s, "exit 3");
   EXPECT_TRUE(
       compose(path)->localizedDescription.endsWith(u"xdg-email failed with exit code 3."_s));
-  programs_.add(u"xdg-email"_s, "exec /bin/sleep 2");
+  programs_.add(u"xdg-email"_s, "exec /bin/sleep 1");
   desktop::MailComposer::Limits limits;
   limits.launcher = std::chrono::milliseconds(300);
   EXPECT_EQ(compose(path, limits), std::nullopt);
+  siginfo_t child{};
+  EXPECT_TRUE(support::waitFor([&child] {
+    return ::waitid(P_ALL, 0, &child, WEXITED | WNOHANG | WNOWAIT | __WALL) != 0;
+  })) << "the launcher was not waited for after its end";
 }
