@@ -36,8 +36,12 @@
       if (text === null) return;
       const element = inline[index];
       const old = element.style.cssText;
+      const written = element.getAttribute('style');
       element.style.cssText = text;
-      corvalisPage.onRestore(() => { element.style.cssText = old; });
+      corvalisPage.onRestore(() => {
+        element.style.cssText = old;
+        if (element.getAttribute('style') !== written) element.setAttribute('style', written);
+      });
     });
     medias.forEach((text, index) => {
       if (text !== null) corvalisPage.overrideAttribute(media[index], 'media', text);

@@ -105,7 +105,8 @@ class SheetReader {
     auto matches = token.globalMatch(css_);
     while (matches.hasNext())
       take(matches.next());
-    finish(Piece::Other, css_.size());
+    // A sheet may end within a declaration; a rule is only begun there and means nothing.
+    finish(Piece::Declaration, css_.size());
     return result_;
   }
 
@@ -118,22 +119,24 @@ class SheetReader {
     if (character == u'}') depth_ = 0;
     if (depth_ > 0) return;
     const bool endsDeclaration = character == u';' || character == u'}';
-    if (character == u'{') finish(pieceOr(Piece::Other), match.capturedEnd());
-    if (endsDeclaration) finish(pieceOr(Piece::Declaration), match.capturedEnd());
+    if (character == u'{') finish(Piece::Other, match.capturedEnd());
+    if (endsDeclaration) finish(Piece::Declaration, match.capturedEnd());
   }
 
-  /// What the at-rule is that the text begins with, else `ordinary`. Comments may stand before.
-  Piece pieceOr(Piece ordinary) const {
+  /// What the at-rule is that a text begins with, else `ordinary`. Comments may stand before.
+  static Piece pieceOr(Piece ordinary, QStringView text) {
     static const QRegularExpression rule(
         uR"re(^(?:\s|/\*[\s\S]*?\*/)*@(?:media|import|(?<page>page))\b)re"_s,
         QRegularExpression::CaseInsensitiveOption);
-    const auto match = rule.match(QStringView(css_).sliced(start_));
+    if (!text.contains(u'@')) return ordinary;
+    const auto match = rule.match(text);
     if (!match.hasMatch()) return ordinary;
     return match.captured(u"page").isEmpty() ? Piece::MediaRule : Piece::PageRule;
   }
 
-  void finish(Piece piece, qsizetype end) {
-    result_ += edit_(piece, QStringView(css_).sliced(start_, end - start_));
+  void finish(Piece ordinary, qsizetype end) {
+    const QStringView text = QStringView(css_).sliced(start_, end - start_);
+    result_ += edit_(pieceOr(ordinary, text), text);
     start_ = end;
   }
 
