@@ -29,7 +29,7 @@ Page::Page(const PageConfiguration& configuration)
                                                    prompts_->observe(session);
                                                    load_->observeChild(*session);
                                                  })),
-      prompts_(std::make_unique<PagePrompts>()),
+      prompts_(std::make_unique<PagePrompts>(*this)),
       load_(std::make_unique<PageLoad>(*this, *session_, observers_)) {}
 
 Page::~Page() {
@@ -69,6 +69,13 @@ void Page::setViewport(double layoutWidth, double viewportHeight, double deviceS
 
 void Page::addObserver(std::weak_ptr<PageObserver> observer) {
   observers_.add(std::move(observer));
+}
+
+void Page::setPromptDelegate(std::weak_ptr<PagePromptDelegate> delegate) {
+  prompts_->setDelegate(std::move(delegate));
+  load_->setCredentialsHandler([this](const CredentialsRequest& request, const auto& answer) {
+    prompts_->askCredentials(request, answer);
+  });
 }
 
 void Page::attach(std::shared_ptr<Connection> connection, const PageTarget& target) {

@@ -7,6 +7,7 @@
 
 #include "platform/web/PageConfiguration.h"
 #include "platform/web/PageObservers.h"
+#include "platform/web/PagePromptDelegate.h"
 #include "platform/web/Session.h"
 
 namespace web {
@@ -45,6 +46,8 @@ class Page : public std::enable_shared_from_this<Page> {
 
   const PageConfiguration& configuration() const { return configuration_; }
   void addObserver(std::weak_ptr<PageObserver> observer);
+  /// Puts what the page asks its user to `delegate`; without one the page gets its answers at once.
+  void setPromptDelegate(std::weak_ptr<PagePromptDelegate> delegate);
 
   /// Replaces a load that is under way.
   void load(const PageRequest& request);
@@ -89,6 +92,8 @@ class Page : public std::enable_shared_from_this<Page> {
 
   void close();
   bool isClosed() const { return session_->isClosed(); }
+
+  PagePrompts& prompts() { return *prompts_; }
 
   /// Called by the engine, once: the target exists, and its main frame has the target's identifier.
   void attach(std::shared_ptr<Connection> connection, const PageTarget& target);

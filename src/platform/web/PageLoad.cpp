@@ -318,6 +318,15 @@ void PageLoad::handleStoppedLoading(const QJsonObject& event) {
   if (!active_ && document_.finished) setLoading(false);
 }
 
+void PageLoad::setCredentialsHandler(RequestGate::CredentialsHandler handler) {
+  gate_.setCredentialsHandler([this, handler = std::move(handler)](
+                                  const CredentialsRequest& request,
+                                  const AnswerHandler<std::optional<Credentials>>& answer) {
+    answerTimer_.reset();
+    handler(request, answer);
+  });
+}
+
 void PageLoad::stop() {
   ++generation_;
   session_.send(u"Page.stopLoading"_s, {});

@@ -36,6 +36,8 @@ class PageLoad {
   void load(const PageRequest& request);
   void stop();
   void hold() { gate_.hold(); }
+  /// While somebody is asked the server's answer is no longer waited for.
+  void setCredentialsHandler(RequestGate::CredentialsHandler handler);
   /// The load under way, if there is one, ends with `reason`.
   void fail(const Error& reason);
 

@@ -25,8 +25,10 @@ QJsonArray documentHeaders() {
 }  // namespace
 
 RequestGate::RequestGate(Session& session) : session_(session) {
-  subscription_ = session.addEventHandler(u"Fetch.requestPaused"_s,
-                                          [this](const QJsonObject& event) { decide(event); });
+  subscriptions_.push_back(session.addEventHandler(
+      u"Fetch.requestPaused"_s, [this](const QJsonObject& event) { decide(event); }));
+  subscriptions_.push_back(session.addEventHandler(
+      u"Fetch.authRequired"_s, [this](const QJsonObject& event) { askCredentials(event); }));
 }
 
 RequestGate::~RequestGate() = default;
@@ -49,18 +51,47 @@ void RequestGate::hold() {
   applyRules();
 }
 
+void RequestGate::setCredentialsHandler(CredentialsHandler handler) {
+  credentialsHandler_ = std::move(handler);
+  applyRules();
+}
+
 void RequestGate::applyRules() {
   QJsonArray patterns;
   if (main_ != Main::Free)
     patterns.append(QJsonObject{{u"urlPattern"_s, u"*"_s}, {u"resourceType"_s, u"Document"_s}});
   if (localFiles_ == LocalFiles::Refused)
     patterns.append(QJsonObject{{u"urlPattern"_s, u"file:*"_s}});
+  const bool asks = credentialsHandler_ != nullptr;
+  // Only requests that were stopped once ask for credentials.
+  if (asks) patterns = {QJsonObject{{u"urlPattern"_s, u"*"_s}}};
   if (patterns.isEmpty() && !enabled_) return;
   enabled_ = !patterns.isEmpty();
   if (enabled_)
-    session_.send(u"Fetch.enable"_s, {{u"patterns"_s, patterns}});
+    session_.send(u"Fetch.enable"_s, {{u"patterns"_s, patterns}, {u"handleAuthRequests"_s, asks}});
   else
     session_.send(u"Fetch.disable"_s, {});
+}
+
+void RequestGate::askCredentials(const QJsonObject& event) {
+  const QString identifier = event[u"requestId"].toString();
+  const QJsonObject challenge = event[u"authChallenge"].toObject();
+  const auto answer = [this, weak = std::weak_ptr(lifetime_),
+                       identifier](const std::optional<Credentials>& given) {
+    if (weak.expired()) return;
+    QJsonObject response{{u"response"_s, given ? u"ProvideCredentials"_s : u"CancelAuth"_s}};
+    if (given) {
+      response[u"username"] = given->name;
+      response[u"password"] = given->password;
+    }
+    session_.send(u"Fetch.continueWithAuth"_s,
+                  {{u"requestId"_s, identifier}, {u"authChallengeResponse"_s, response}});
+  };
+  if (!credentialsHandler_) return answer(std::nullopt);
+  const bool proxy = challenge[u"source"].toString() == u"Proxy";
+  credentialsHandler_({proxy ? CredentialsRequest::Asker::Proxy : CredentialsRequest::Asker::Server,
+                       QUrl(challenge[u"origin"].toString()), challenge[u"realm"].toString()},
+                      answer);
 }
 
 bool RequestGate::isMainDocument(const QJsonObject& event) const {

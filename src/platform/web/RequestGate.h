@@ -6,6 +6,7 @@
 #include <optional>
 
 #include "platform/web/PageConfiguration.h"
+#include "platform/web/PagePromptDelegate.h"
 #include "platform/web/Session.h"
 
 namespace web {
@@ -27,6 +28,12 @@ class RequestGate {
   /// From now on the main frame keeps its document.
   void hold();
 
+  using CredentialsHandler = std::function<void(const CredentialsRequest&,
+                                                const AnswerHandler<std::optional<Credentials>>&)>;
+  /// Puts requests for a name and a password to `handler`. Without one they are answered with no.
+  /// The browser then asks about every request, which costs a message each.
+  void setCredentialsHandler(CredentialsHandler handler);
+
  private:
   enum class Main { Free, Serve, Held };
 
@@ -34,17 +41,21 @@ class RequestGate {
   void decide(const QJsonObject& event);
   bool isMainDocument(const QJsonObject& event) const;
   void serve(const QString& request, const QUrl& url);
+  void askCredentials(const QJsonObject& event);
   void proceed(const QString& request);
   void refuse(const QString& request, const QString& reason);
 
   Session& session_;
+  /// Ends with the gate; answers may come later.
+  std::shared_ptr<char> lifetime_ = std::make_shared<char>();
   QString mainFrame_;
   Main main_ = Main::Free;
   LocalFiles localFiles_ = LocalFiles::Allowed;
   std::optional<QByteArray> markup_;
   std::unique_ptr<MarkupSource> source_;
   bool enabled_ = false;
-  Subscription subscription_;
+  CredentialsHandler credentialsHandler_;
+  std::vector<Subscription> subscriptions_;
 };
 
 }  // namespace web

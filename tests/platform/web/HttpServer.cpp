@@ -31,8 +31,10 @@ void HttpServer::answer(QTcpSocket& socket) {
   const QString path = QString::fromLatin1(head.split(' ').value(1));
   if (path != u"/favicon.ico") requests_.append(path);
   heads_.insert(path, head);
-  const Answer answer = answers_.value(path, {"<p>Nothing is here.", "text/html", "404 Not Found"});
+  Answer answer = answers_.value(path, {"<p>Nothing is here.", "text/html", "404 Not Found"});
   if (answer.kind == Answer::Kind::Never) return;
+  const QByteArray authorized = authorized_.value(path);
+  if (!authorized.isEmpty() && head.contains(authorized)) answer.status = "200 OK";
   const qsizetype length = answer.body.size() + (answer.kind == Answer::Kind::Broken ? 1000 : 0);
   socket.write("HTTP/1.1 " + answer.status + "\r\nContent-Type: " + answer.contentType +
                "\r\nContent-Length: " + QByteArray::number(length) + "\r\nConnection: close\r\n" +

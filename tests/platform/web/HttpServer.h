@@ -23,6 +23,10 @@ class HttpServer {
 
   void set(const QString& path, Answer answer) { answers_.insert(path, std::move(answer)); }
   void setPage(const QString& path, const QByteArray& body) { set(path, {body}); }
+  /// The path answers with status 200 to requests that carry this Authorization header.
+  void setAuthorized(const QString& path, const QByteArray& header) {
+    authorized_.insert(path, "Authorization: " + header);
+  }
   void redirect(const QString& from, const QString& to);
   QUrl url(const QString& path, const QString& host = QStringLiteral("127.0.0.1")) const;
   /// Paths in the order of the requests, without the browser's own request for an icon.
@@ -36,6 +40,7 @@ class HttpServer {
 
   QTcpServer server_;
   QHash<QString, Answer> answers_;
+  QHash<QString, QByteArray> authorized_;
   QStringList requests_;
   QHash<QString, QByteArray> heads_;
 };

@@ -1,0 +1,109 @@
+#pragma once
+
+#include <QImage>
+#include <QSizeF>
+#include <QString>
+#include <deque>
+#include <memory>
+
+#include "platform/web/LiveInput.h"
+#include "platform/web/Page.h"
+
+namespace web {
+
+class LiveView;
+
+/// Told what a live view shows. Called on the main queue.
+class LiveViewDelegate {
+ public:
+  virtual ~LiveViewDelegate() = default;
+
+  /// The page as it looks now, in device pixels. Pictures that come faster than they are decoded
+  /// are left out; the last one always comes.
+  virtual void liveViewReceivedPicture(LiveView&, const QImage&) {}
+  virtual void liveViewChangedCursor(LiveView&, Qt::CursorShape) {}
+};
+
+/// A page as its user sees and operates it: pictures out, input in. What the page asks its user
+/// goes to the page's prompt delegate. Main thread only.
+class LiveView : public PageObserver, public std::enable_shared_from_this<LiveView> {
+ public:
+  static std::shared_ptr<LiveView> create(std::shared_ptr<Page> page);
+  ~LiveView() override;
+
+  const std::shared_ptr<Page>& page() const { return page_; }
+  void setDelegate(std::weak_ptr<LiveViewDelegate> delegate) { delegate_ = std::move(delegate); }
+
+  /// Size of the area that shows the page, in points of the screen.
+  void setSize(const QSizeF& size, double devicePixelRatio);
+  /// 1 is the natural size. The page is laid out anew: at 2 it has half the width.
+  void setZoom(double zoom);
+  double zoom() const { return zoom_; }
+
+  /// Pictures come from now on, as often as the page changes.
+  void start();
+  void stop();
+
+  /// Positions of input are points of the area; they are translated to the page's pixels here.
+  /// Input keeps its order.
+  void send(MouseInput input);
+  void send(WheelInput input);
+  void send(const KeyInput& input);
+  /// Text that does not come from a key: pasted, or finished by an input method.
+  void insertText(const QString& text);
+  /// The unfinished text of an input method; the cursor is at `cursor`, in UTF-16 units. Empty ends
+  /// it.
+  void setComposition(const QString& text, int cursor);
+  /// The text that is selected in the page's main frame; empty when there is none.
+  void readSelectedText(std::function<void(const QString&)> callback);
+  /// Cuts the selection out, after `readSelectedText`.
+  void deleteSelection();
+
+  /// Makes the page accept certificates that cannot be trusted, at its user's own risk, until it is
+  /// closed.
+  void acceptAnyCertificate();
+
+  void pageCommittedLoad(Page&, const Frame&) override;
+
+ private:
+  explicit LiveView(std::shared_ptr<Page> page);
+  void begin();
+  void applySize();
+  void startScreencast();
+  void handlePicture(const QJsonObject& event);
+  void decodeNext();
+  void showPicture(const QImage& picture);
+  void deliver(const QString& method, const QJsonObject& parameters);
+  void press(const MouseInput& input);
+  void openList(ChoiceRequest choice);
+  void flushInput();
+  void readCursor(const QPointF& position);
+
+  struct HeldInput {
+    QString method;
+    QJsonObject parameters;
+  };
+
+  std::shared_ptr<Page> page_;
+  std::weak_ptr<LiveViewDelegate> delegate_;
+  QSizeF size_;
+  double devicePixelRatio_ = 1;
+  double zoom_ = 1;
+  bool running_ = false;
+
+  /// The newest picture that has not been decoded, as JPEG.
+  QByteArray waitingPicture_;
+  bool decoding_ = false;
+
+  /// Input that waits until it is known whether a press opened a list.
+  std::deque<HeldInput> held_;
+  bool holding_ = false;
+  bool swallowRelease_ = false;
+
+  std::optional<QPointF> cursorPosition_;
+  bool readingCursor_ = false;
+  Qt::CursorShape cursor_ = Qt::ArrowCursor;
+  Subscription pictures_;
+};
+
+}  // namespace web
