@@ -25,8 +25,8 @@ class MailComposer {
   struct Limits {
     /// How long the portal may ask the user for a program before the message counts as not taken.
     std::chrono::milliseconds portal = std::chrono::minutes(2);
-    /// A mail program's launcher that still runs after this time has taken the message.
-    std::chrono::milliseconds launcher = std::chrono::seconds(15);
+    /// A mail program or launcher that still runs after this time has taken the message.
+    std::chrono::milliseconds launcher = std::chrono::seconds(5);
   };
 
   /// Thunderbird directly when it is the user's mail program, else the desktop portal

@@ -31,15 +31,16 @@ class EnexImporter : public NoteImporter, public std::enable_shared_from_this<En
   }
 
  private:
+  /// Not by xdg-open: outside the large desktops it goes by the contents, which are just XML.
   void open(const QString& note, const Completion& completion) {
-    if (defaultApplication(u"application/enex+xml"_s).identifier.isEmpty())
-      return show(note, u"no program is registered for notes"_s, completion);
-    openWithRegisteredProgram(note, launcherLimit_,
-                              [=, self = shared_from_this()](const MaybeError& error) {
-                                if (error)
-                                  return self->show(note, error->localizedDescription, completion);
-                                if (completion) completion(std::nullopt);
-                              });
+    QStringList command = openCommand(defaultApplication(u"application/enex+xml"_s), note);
+    if (command.isEmpty()) return show(note, u"no program is registered for notes"_s, completion);
+    const QString program = command.takeFirst();
+    launch(program, command, launcherLimit_,
+           [=, self = shared_from_this()](const MaybeError& error) {
+             if (error) return self->show(note, error->localizedDescription, completion);
+             if (completion) completion(std::nullopt);
+           });
   }
 
   void show(const QString& note, const QString& cause, const Completion& completion) {

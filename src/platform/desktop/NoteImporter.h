@@ -26,11 +26,11 @@ class NoteImporter {
                           Completion completion) = 0;
 
   /// Writes an ENEX file and opens it with the program registered for its type; where none is, the
-  /// file is shown in the file manager. A launcher that still runs after `launcherLimit` has taken
+  /// file is shown in the file manager. A program that still runs after `launcherLimit` has taken
   /// the note.
   static std::shared_ptr<NoteImporter> create(
       std::shared_ptr<FileManager> fileManager,
-      std::chrono::milliseconds launcherLimit = std::chrono::seconds(15));
+      std::chrono::milliseconds launcherLimit = std::chrono::seconds(3));
 };
 
 }  // namespace desktop

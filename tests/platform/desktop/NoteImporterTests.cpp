@@ -128,7 +128,7 @@ TEST_F(Notes, WhatCannotBeWrittenLeavesNoFile) {
 
 TEST_F(Notes, GoToTheRegisteredProgramElseToTheFileManager) {
   ProgramRecorder programs;
-  programs.add(u"xdg-open"_s);
+  programs.add(u"notes"_s);
   const auto files = std::make_shared<RecordedFileManager>();
   const auto importer = desktop::NoteImporter::create(files);
   const QString file = write(folder_.filePath(u"a.png"_s), "x");
@@ -144,20 +144,22 @@ TEST_F(Notes, GoToTheRegisteredProgramElseToTheFileManager) {
   import();
   ASSERT_EQ(files->shown.size(), 1) << "nothing is registered for notes";
   EXPECT_TRUE(QFile::exists(files->shown[0]));
-  EXPECT_TRUE(programs.runs(u"xdg-open"_s).isEmpty());
+  EXPECT_TRUE(programs.runs(u"notes"_s).isEmpty());
 
   const QString data = QStandardPaths::writableLocation(QStandardPaths::ApplicationsLocation);
   QDir().mkpath(data);
-  write(data + u"/notes.desktop"_s, "[Desktop Entry]\nExec=notes %f\n");
+  write(data + u"/notes.desktop"_s, "[Desktop Entry]\nExec=\"notes\" --import %i %f 100%%\n");
   write(data + u"/mimeinfo.cache"_s, "[MIME Cache]\napplication/enex+xml=notes.desktop;\n");
   import();
   EXPECT_EQ(files->shown.size(), 1);
-  const auto runs = programs.runs(u"xdg-open"_s);
+  const auto runs = programs.runs(u"notes"_s);
   ASSERT_EQ(runs.size(), 1);
-  ASSERT_EQ(runs[0].size(), 1);
-  EXPECT_EQ(textsOf(runs[0][0])[u"title"_s], u"a/b \"c\""_s);
+  ASSERT_EQ(runs[0].size(), 3);
+  EXPECT_EQ(runs[0][0], u"--import"_s);
+  EXPECT_EQ(runs[0][2], u"100%"_s);
+  EXPECT_EQ(textsOf(runs[0][1])[u"title"_s], u"a/b \"c\""_s);
 
-  programs.add(u"xdg-open"_s, "exit 4");
+  programs.add(u"notes"_s, "exit 4");
   import();
   EXPECT_EQ(files->shown.size(), 2) << "a program that fails";
   QFile::remove(data + u"/mimeinfo.cache"_s);

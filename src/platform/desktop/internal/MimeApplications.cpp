@@ -3,7 +3,8 @@
 #include <QFile>
 #include <QProcess>
 #include <QStandardPaths>
-#include <QStringList>
+
+#include "platform/desktop/internal/Launch.h"
 
 using namespace Qt::StringLiterals;
 
@@ -65,6 +66,10 @@ DesktopEntry firstInstalled(const QStringList& files, const QString& section, co
   return {};
 }
 
+QStringList execWords(const DesktopEntry& entry) {
+  return QProcess::splitCommand(valueOf(entry.path, u"Desktop Entry"_s, u"Exec"_s));
+}
+
 }  // namespace
 
 DesktopEntry defaultApplication(const QString& mimeType) {
@@ -76,8 +81,23 @@ DesktopEntry defaultApplication(const QString& mimeType) {
 }
 
 QString programOf(const DesktopEntry& entry) {
-  const QString command = valueOf(entry.path, u"Desktop Entry"_s, u"Exec"_s);
-  return QProcess::splitCommand(command).value(0);
+  return execWords(entry).value(0);
+}
+
+QStringList openCommand(const DesktopEntry& entry, const QString& path) {
+  QStringList command;
+  bool takesFiles = false;
+  const QStringList words = execWords(entry);
+  for (const QString& word : words) {
+    const bool isPath = word == u"%f"_s || word == u"%F"_s;
+    const bool isAddress = word == u"%u"_s || word == u"%U"_s;
+    takesFiles |= isPath || isAddress;
+    if (isPath) command << path;
+    if (isAddress) command << QString::fromLatin1(fileAddress(path));
+    // The other codes stand for an icon, a name or the entry itself, which no program needs.
+    if (word.size() != 2 || word[0] != u'%') command << QString(word).replace(u"%%"_s, u"%"_s);
+  }
+  return takesFiles ? command : QStringList();
 }
 
 }  // namespace desktop

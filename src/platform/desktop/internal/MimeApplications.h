@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QString>
+#include <QStringList>
 
 namespace desktop {
 
@@ -18,5 +18,9 @@ DesktopEntry defaultApplication(const QString& mimeType);
 
 /// The program that the entry starts: the first word of its Exec key; empty when it has none.
 QString programOf(const DesktopEntry& entry);
+
+/// The words that have the program open the file: its Exec key with the field codes filled in
+/// (Desktop Entry Specification, "The Exec key"). Empty when it takes no files.
+QStringList openCommand(const DesktopEntry& entry, const QString& path);
 
 }  // namespace desktop
