@@ -1,4 +1,5 @@
 #include "intake/CVAppDelegate.h"
+#include "platform/browsers/FrontPage.h"
 #include "platform/dispatch/Dispatch.h"
 #include "settings/CVObjectRepository.h"
 
@@ -44,6 +45,12 @@ bool CVAppDelegate::captureFromChrome() {
   return true;
 }
 
+/// A browser that cannot be reached can often be told to allow it.
+void CVAppDelegate::warnWhyUnavailable(browsers::FrontPage* page) {
+  const auto reason = page ? page->unavailableReason() : std::nullopt;
+  if (reason) addWarning(*reason);
+}
+
 void CVAppDelegate::onCaptureFromSafari() {
   // Off the main thread: the browser may take its time to answer.
   dispatch::globalAsync(dispatch::Priority::High, [self = shared_from_this()] {
@@ -53,6 +60,7 @@ void CVAppDelegate::onCaptureFromSafari() {
 
 void CVAppDelegate::onCaptureFromChrome() {
   dispatch::globalAsync(dispatch::Priority::High, [self = shared_from_this()] {
-    if (self->captureFromChrome()) self->snapEffect();
+    if (self->captureFromChrome()) return self->snapEffect();
+    if (const auto service = utils()) self->warnWhyUnavailable(service->services().chrome.get());
   });
 }

@@ -137,13 +137,15 @@ class CVAppDelegate : public std::enable_shared_from_this<CVAppDelegate>,
                               const std::optional<QString>& source, const QSizeF& size) override;
 
   // --- Capture from the user's browsers (CVAppDelegate+BrowserCapture.cpp) --------------------
-  // These wait for the browser; the user's commands do so on another thread and return at once.
+  // These wait for the browser: not on the main thread, but for the user's commands, which return
+  // at once.
 
   /// Whether an entry was added.
   bool captureFromSafari();
   bool captureFromChrome();
 
-  /// The user's commands: the capture and, when it added an entry, the effect.
+  /// The user's commands: the capture and, when it added an entry, the effect. Why Chrome could not
+  /// be reached becomes a warning.
   void onCaptureFromSafari();
   void onCaptureFromChrome();
 
@@ -207,6 +209,7 @@ class CVAppDelegate : public std::enable_shared_from_this<CVAppDelegate>,
   void openDirectURL(const std::optional<QUrl>& url);
   void redirectEnded(CVRedirectOutcome outcome);
   void processURL(const QUrl& url);
+  void warnWhyUnavailable(browsers::FrontPage* page);
   void beginProcessingURLs();
   void endProcessingURLs();
   void enqueueAll(const std::vector<std::shared_ptr<CVEntry>>& entries, bool processAutomatically);

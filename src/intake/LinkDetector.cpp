@@ -84,6 +84,8 @@ qsizetype LinkDetector::endOfWord(qsizetype start) const {
 }
 
 qsizetype LinkDetector::takeWithScheme(qsizetype start, qsizetype end) {
+  // "1.https://..." in a list: the number is not part of the scheme.
+  start += text_.sliced(start, end - start).lastIndexOf(u'.') + 1;
   const qsizetype addressEnd = AddressExtent::endOf(text_, start, end + 3);
   if (AddressExtent::isWebSchemeAt(text_, start)) add(addressText(start, addressEnd));
   return addressEnd;

@@ -10,6 +10,8 @@
 
 #include "Requests.h"
 #include "intake/CVAppDelegate.h"
+#include "platform/browsers/FrontPage.h"
+#include "platform/desktop/RunningApplications.h"
 #include "platform/dispatch/Dispatch.h"
 #include "queue/CVEntry.h"
 #include "queue/CVEntryTaskManager.h"
@@ -170,6 +172,27 @@ class RecordingAssembler : public CVMultipageAssembler {
   }
 };
 
+/// A browser whose front page the test decides.
+class FakeFrontPage : public browsers::FrontPage {
+ public:
+  bool isRunning() const override { return true; }
+  browsers::PageTexts capture() override { return texts; }
+  std::optional<QString> source() override { return loadedSource; }
+  std::optional<QString> address() override { return shownAddress; }
+  std::optional<QString> unavailableReason() const override { return reason; }
+
+  browsers::PageTexts texts;
+  std::optional<QString> loadedSource, shownAddress, reason;
+};
+
+class FakeRunningApplications : public desktop::RunningApplications {
+ public:
+  bool isRunning(const QString& identifier) const override {
+    return identifiers.contains(identifier);
+  }
+  QStringList identifiers;
+};
+
 class DelegateFixture : public ::testing::Test {
  protected:
   DelegateFixture() {
@@ -181,6 +204,9 @@ class DelegateFixture : public ::testing::Test {
     };
     services.userDefaults = defaults::UserDefaults::inMemory();
     services.utils.alerts = alerts;
+    services.utils.safari = safari;
+    services.utils.chrome = chrome;
+    services.utils.runningApplications = running;
     services.redirectHandler = redirect;
     services.pasteboard = pasteboard;
     services.multipageAssembler = std::make_shared<RecordingAssembler>();
@@ -237,6 +263,9 @@ class DelegateFixture : public ::testing::Test {
   std::shared_ptr<FakePasteboard> pasteboard = std::make_shared<FakePasteboard>();
   std::shared_ptr<FakeRedirectHandler> redirect = std::make_shared<FakeRedirectHandler>();
   std::shared_ptr<RecordingAlerts> alerts = std::make_shared<RecordingAlerts>();
+  std::shared_ptr<FakeFrontPage> safari = std::make_shared<FakeFrontPage>();
+  std::shared_ptr<FakeFrontPage> chrome = std::make_shared<FakeFrontPage>();
+  std::shared_ptr<FakeRunningApplications> running = std::make_shared<FakeRunningApplications>();
   std::function<void(const QUrl&)> beforeEntry;
   bool terminated = false;
   std::shared_ptr<CVAppDelegate> delegate;

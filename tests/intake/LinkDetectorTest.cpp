@@ -37,6 +37,8 @@ TEST(LinkDetector, AddressesWithAScheme) {
        {u"https://web.example/2020/http://a.example/"_s}},
       {"http://a.example/1,http://b.example/2;http://c.example/3",
        {u"http://a.example/1"_s, u"http://b.example/2"_s, u"http://c.example/3"_s}},
+      {"1.https://a.example/ 2.http://b.example/",
+       {u"https://a.example/"_s, u"http://b.example/"_s}},
       {"http://", {}},
       {"http:// https:///x", {}},
       {"file:///etc/passwd ftp://ftp.example.com/x chrome://example.com corvxurl://example.com/",
