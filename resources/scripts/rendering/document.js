@@ -62,8 +62,8 @@
 
   const isOutside = (box) => box.top >= innerHeight || box.bottom <= 0;
 
-  // A fixed element keeps its size and place of the screen when the viewport changes around it.
-  const pin = (element, shift) => {
+  // A fixed or absolute element keeps its size and place of the screen when the viewport changes.
+  corvalisPage.pin = (element, shift) => {
     const style = getComputedStyle(element);
     corvalisPage.override(element, {
       transition: 'none',
@@ -93,7 +93,7 @@
     // A drawer that waits below or above the screen must not show in a picture that goes further.
     if (isOutside(box)) return corvalisPage.override(element, { transition: 'none', opacity: '0' });
     const shift = isBottomBar(box) ? Math.max(0, documentHeight - innerHeight) : 0;
-    pin(element, shift);
+    corvalisPage.pin(element, shift);
     if (pages === 'many') attach(element, box.top + shift, box.left);
   };
 

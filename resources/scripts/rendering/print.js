@@ -49,6 +49,38 @@
     return true;
   };
 
+  const inPixels = (value) =>
+    value.replace(/([\d.]+)%/g, (whole, number) => `${(number * innerHeight) / 100}px`);
+
+  const isPercentage = (element, name) => String(element.computedStyleMap().get(name)).includes('%');
+
+  // Percentages of the root's height, and those of quirks mode whose line of boxes leads to it, are
+  // shares of the viewport, on paper of the paper.
+  const freezeRoot = () => {
+    const root = document.documentElement;
+    if (document.compatMode === 'BackCompat') {
+      corvalisPage.override(root, { height: `${innerHeight}px` });
+    }
+    for (const name of ['height', 'min-height', 'max-height']) {
+      if (!isPercentage(root, name)) continue;
+      corvalisPage.override(root, { [name]: inPixels(String(root.computedStyleMap().get(name))) });
+    }
+  };
+
+  // What is placed by the viewport's height, without a positioned element around it: the engine names
+  // the body, or nothing, as the parent of its offsets.
+  const freezePlaced = () => {
+    for (const element of corvalisPage.elements(document)) {
+      const style = getComputedStyle(element);
+      if (style.position !== 'absolute' || (element.offsetParent ?? document.body) !== document.body) continue;
+      if (document.body && getComputedStyle(document.body).position !== 'static') continue;
+      const byBottom = String(element.computedStyleMap().get('bottom')) !== 'auto';
+      if (byBottom || ['top', 'height', 'min-height'].some((name) => isPercentage(element, name))) {
+        corvalisPage.pin(element, 0);
+      }
+    }
+  };
+
   // An identifier that no element has raises the weight of our rules above the page's.
   const heavy = ':not(#corvalis-a#corvalis-b#corvalis-c)';
 
@@ -64,6 +96,8 @@
     if (layoutWidth) {
       rules.push(`html${heavy} { width: ${layoutWidth}px !important; max-width: none !important; }`);
     }
+    freezePlaced();
+    freezeRoot();
     corvalisPage.addSheet(rules.join('\n'));
     return true;
   };

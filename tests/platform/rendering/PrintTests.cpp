@@ -51,6 +51,29 @@ TEST_F(PrintTest, ViewportLengthsKeepTheirScreenSize) {
       u"100vh110vmin"_s);
 }
 
+TEST_F(PrintTest, SharesOfTheViewportKeepTheirScreenSize) {
+  const QString shared =
+      u"<div style='height:100%;overflow:hidden;background:rgb(255,0,0)'></div>"
+      "<div style='height:500px;background:rgb(0,0,255)'></div>"_s;
+  const QString placed =
+      u"<div style='position:absolute;bottom:0;height:30px;width:30px;background:rgb(0,128,0)'></div>"_s;
+  const std::pair<const char*, QString> cases[] = {
+      {"standards",
+       u"<!DOCTYPE html><style>html,body{height:100%;margin:0}</style>"_s + shared + placed},
+      {"quirks", u"<body style='margin:0'>"_s + shared + placed}};
+  for (const auto& [name, markup] : cases) {
+    openMarkup(markup);
+    const QString path = printTall();
+    expectOnePage(path, {1024, 1268});
+    const QImage image = pdfPixels(path);
+    EXPECT_EQ(colour(image, 500, 766), "ff0000") << name;
+    EXPECT_EQ(colour(image, 500, 770), "0000ff") << name;
+    EXPECT_EQ(colour(image, 10, 736), "ff0000") << name;
+    EXPECT_EQ(colour(image, 10, 740), "008000") << name;
+    EXPECT_EQ(colour(image, 10, 1260), "0000ff") << name;
+  }
+}
+
 TEST_F(PrintTest, SheetsOfOtherOriginsAreSettledToo) {
   Loopback server;
   server.set("/style.css",
