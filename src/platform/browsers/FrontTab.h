@@ -1,0 +1,27 @@
+#pragma once
+
+#include <QString>
+
+#include "platform/base/Error.h"
+
+namespace browsers {
+
+class DevToolsConnection;
+
+/// What the browser calls a page, and where the page is.
+struct BrowserTab {
+  QString target;
+  QString address;
+};
+
+/// The active tab of the front window. While a window of ours has the focus no call of the protocol
+/// tells the order of the browser's windows: of several active tabs the focused one counts, then
+/// the one that was used last as far as the browser tells, then the first visible one. Blocks; not
+/// on the main thread.
+Result<BrowserTab> findFrontTab(DevToolsConnection& connection);
+
+/// The value of a page's program, a string. Blocks; not on the main thread.
+Result<QString> runInTab(DevToolsConnection& connection, const QString& target,
+                         const QString& program);
+
+}  // namespace browsers
