@@ -33,7 +33,7 @@ struct MergedDocument {
 /// destination and in everything that refers to it. Tags, layers, page labels, attachments and
 /// languages are joined. Equal fonts, pictures and other page resources are stored once. Form
 /// fields become part of the page, as they look. Document attributes are those of the first
-/// readable file. Scripts are left out.
+/// readable file. Scripts of whole documents are left out.
 ///
 /// Damaged files are repaired where possible. A file that cannot be read, needs a password or has
 /// no page is skipped; that all of them are is an error. The files have to stay in place until the
