@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 
 #include "platform/dispatch/Dispatch.h"
 #include "platform/web/PagePrompts.h"
@@ -13,6 +14,8 @@ namespace web {
 namespace {
 
 constexpr int pictureQuality = 80;
+constexpr int sharpPictureQuality = 90;
+constexpr std::chrono::milliseconds restBeforeSharpPicture{120};
 constexpr double smallestZoom = 0.25;
 constexpr double largestZoom = 5;
 constexpr std::chrono::seconds cursorTimeout{1};
@@ -126,17 +129,19 @@ void LiveView::applySize() {
   if (running_) startScreencast();
 }
 
+int LiveView::viewportWidth() const {
+  return static_cast<int>(std::lround(size_.width() / zoom_));
+}
+
 void LiveView::start() {
   if (std::exchange(running_, true)) return;
   applySize();
 }
 
 void LiveView::startScreencast() {
-  const QSize pixels = (size_ * devicePixelRatio_).toSize();
-  page_->send(u"Page.startScreencast"_s, {{u"format"_s, u"jpeg"_s},
-                                          {u"quality"_s, pictureQuality},
-                                          {u"maxWidth"_s, pixels.width()},
-                                          {u"maxHeight"_s, pixels.height()}});
+  lastPicture_.clear();
+  page_->send(u"Page.startScreencast"_s,
+              {{u"format"_s, u"jpeg"_s}, {u"quality"_s, pictureQuality}});
 }
 
 void LiveView::stop() {
@@ -151,7 +156,32 @@ void LiveView::pageCommittedLoad(Page&, const Frame& frame) {
 void LiveView::handlePicture(const QJsonObject& event) {
   page_->send(u"Page.screencastFrameAck"_s, {{u"sessionId"_s, event[u"sessionId"]}});
   if (!running_) return;
-  waitingPicture_ = event[u"data"].toString().toLatin1();
+  const QByteArray picture = QByteArray::fromBase64(event[u"data"].toString().toLatin1());
+  // While it takes a sharp picture the browser changes the page's size, and afterwards it sends the
+  // same picture once more.
+  if (event[u"metadata"][u"deviceWidth"].toInt() != viewportWidth() || picture == lastPicture_)
+    return;
+  lastPicture_ = picture;
+  decode(picture);
+  if (devicePixelRatio_ * zoom_ == 1) return;
+  restTimer_ = dispatch::Timer::after(restBeforeSharpPicture, [weak = weak_from_this()] {
+    if (const auto self = weak.lock()) self->requestSharpPicture();
+  });
+}
+
+void LiveView::requestSharpPicture() {
+  page_->sendForData(
+      u"Page.captureScreenshot"_s, {{u"format"_s, u"jpeg"_s}, {u"quality"_s, sharpPictureQuality}},
+      "data", [weak = weak_from_this(), current = lastPicture_](const Result<DataReply>& reply) {
+        const auto self = weak.lock();
+        // The page has moved on meanwhile.
+        if (!self || !reply || self->lastPicture_ != current) return;
+        self->decode(reply->data);
+      });
+}
+
+void LiveView::decode(const QByteArray& jpeg) {
+  waitingPicture_ = jpeg;
   if (!decoding_) decodeNext();
 }
 
@@ -159,13 +189,13 @@ void LiveView::handlePicture(const QJsonObject& event) {
 /// counts.
 void LiveView::decodeNext() {
   decoding_ = true;
-  dispatch::globalAsync(dispatch::Priority::High, [weak = weak_from_this(),
-                                                   data = std::exchange(waitingPicture_, {})] {
-    const QImage picture = QImage::fromData(QByteArray::fromBase64(data), "JPEG");
-    dispatch::mainAsync([weak, picture] {
-      if (const auto self = weak.lock()) self->showPicture(picture);
-    });
-  });
+  dispatch::globalAsync(dispatch::Priority::High,
+                        [weak = weak_from_this(), jpeg = std::exchange(waitingPicture_, {})] {
+                          const QImage picture = QImage::fromData(jpeg, "JPEG");
+                          dispatch::mainAsync([weak, picture] {
+                            if (const auto self = weak.lock()) self->showPicture(picture);
+                          });
+                        });
 }
 
 void LiveView::showPicture(const QImage& picture) {
@@ -287,6 +317,10 @@ void LiveView::deleteSelection() {
 
 void LiveView::acceptAnyCertificate() {
   page_->send(u"Security.setIgnoreCertificateErrors"_s, {{u"ignore"_s, true}});
+}
+
+void LiveView::clearCookies() {
+  page_->send(u"Network.clearBrowserCookies"_s);
 }
 
 }  // namespace web

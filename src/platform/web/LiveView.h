@@ -6,6 +6,7 @@
 #include <deque>
 #include <memory>
 
+#include "platform/dispatch/Timer.h"
 #include "platform/web/LiveInput.h"
 #include "platform/web/Page.h"
 
@@ -18,8 +19,9 @@ class LiveViewDelegate {
  public:
   virtual ~LiveViewDelegate() = default;
 
-  /// The page as it looks now, in device pixels. Pictures that come faster than they are decoded
-  /// are left out; the last one always comes.
+  /// The page as it looks now, to be stretched over the whole area: while the page changes,
+  /// pictures have a pixel for each CSS pixel, and when it comes to rest one for each device pixel.
+  /// Pictures that come faster than they are decoded are left out; the last one always comes.
   virtual void liveViewReceivedPicture(LiveView&, const QImage&) {}
   virtual void liveViewChangedCursor(LiveView&, Qt::CursorShape) {}
 };
@@ -63,14 +65,20 @@ class LiveView : public PageObserver, public std::enable_shared_from_this<LiveVi
   /// closed.
   void acceptAnyCertificate();
 
+  /// Forgets the cookies of the page's profile, for all pages that share it.
+  void clearCookies();
+
   void pageCommittedLoad(Page&, const Frame&) override;
 
  private:
   explicit LiveView(std::shared_ptr<Page> page);
   void begin();
   void applySize();
+  int viewportWidth() const;
   void startScreencast();
   void handlePicture(const QJsonObject& event);
+  void requestSharpPicture();
+  void decode(const QByteArray& jpeg);
   void decodeNext();
   void showPicture(const QImage& picture);
   void deliver(const QString& method, const QJsonObject& parameters);
@@ -93,6 +101,7 @@ class LiveView : public PageObserver, public std::enable_shared_from_this<LiveVi
 
   /// The newest picture that has not been decoded, as JPEG.
   QByteArray waitingPicture_;
+  QByteArray lastPicture_;
   bool decoding_ = false;
 
   /// Input that waits until it is known whether a press opened a list.
@@ -103,6 +112,7 @@ class LiveView : public PageObserver, public std::enable_shared_from_this<LiveVi
   std::optional<QPointF> cursorPosition_;
   bool readingCursor_ = false;
   Qt::CursorShape cursor_ = Qt::ArrowCursor;
+  std::unique_ptr<dispatch::Timer> restTimer_;
   Subscription pictures_;
 };
 

@@ -105,6 +105,7 @@ TEST_F(LiveViewTest, PicturesFollowThePageItsSizeAndItsZoom) {
   EXPECT_EQ(watcher->picture.size(), QSize(400, 300));
   view->setZoom(2);
   EXPECT_TRUE(pictureShows({290, 290}, Qt::red));
+  EXPECT_EQ(watcher->picture.size(), QSize(400, 300));
   view->setZoom(1);
   view->setSize(QSizeF(500, 400), 2);
   EXPECT_TRUE(support::waitFor([this] { return watcher->picture.size() == QSize(1000, 800); }));
@@ -183,6 +184,13 @@ TEST_F(LiveViewTest, DialogsFilesAndWindowsAreOffered) {
   click({10, 110});
   EXPECT_TRUE(support::waitFor([this] { return user->asked.contains(u"window:/new"_s); }));
   EXPECT_EQ(user->asked.join(u' ').toStdString(), "Your name? file window:/new");
+}
+
+TEST_F(LiveViewTest, ClearedCookiesAreGone) {
+  show("<script>document.cookie = 'kept=1'</script>");
+  EXPECT_TRUE(text(u"document.cookie"_s).contains(u"kept"));
+  view->clearCookies();
+  EXPECT_TRUE(pageHas(u"document.cookie === ''"_s));
 }
 
 TEST_F(LiveViewTest, ForgottenQuestionsDoNotHoldUpThePage) {
