@@ -6,6 +6,9 @@
 
 #include "app/FixedSavePanel.h"
 #include "capture/CVURLEntry.h"
+#include "delivery/CVUtils.h"
+#include "delivery/PDFMultipageAssembler.h"
+#include "intake/RequestInput.h"
 #include "platform/dispatch/Dispatch.h"
 #include "platform/printing/PrintInfo.h"
 #include "platform/web/Engine.h"
@@ -39,6 +42,16 @@ Result<QUrl> addressOfFile(const QString& path) {
     return sourceError(u"The file cannot be read: %1."_s.arg(readable.errorString()));
   }
   return QUrl::fromLocalFile(file.absoluteFilePath());
+}
+
+Result<RequestInput::CapturedPage> pageOnStandardInput() {
+  QFile input;
+  if (!input.open(stdin, QIODevice::ReadOnly)) {
+    return sourceError(u"Standard input cannot be read."_s);
+  }
+  const auto request = RequestInput::readRequestText(input);
+  if (!request) return tl::unexpected(request.error());
+  return RequestInput::capturedPage(*request, *CVObjectRepository::singleton().getUtils());
 }
 
 Result<QUrl> addressOfSource(const QString& source) {
@@ -81,6 +94,13 @@ class ProgressObserver : public CVEntryDelegate {
 
 }  // namespace
 
+/// Where the user finds the result; none for a page that was handed to another program.
+std::optional<QString> CaptureCommand::resultFile(const CVURLEntry& entry) const {
+  if (options_.multipage) return options_.multipage;
+  if (!entry.canBeRevealed()) return std::nullopt;
+  return entry.resultLocation().value_or(QUrl()).toLocalFile();
+}
+
 struct CaptureCommand::Job {
   qsizetype index = 0;
   std::shared_ptr<CVURLEntry> entry;
@@ -93,6 +113,7 @@ CaptureCommand::CaptureCommand(CaptureOptions options, std::shared_ptr<web::Engi
   services_.engine = std::move(engine);
   services_.pixelsPerPoint = options_.scale;
   services_.thumbnails = Thumbnails::NotShown;
+  multipageParts_.resize(static_cast<std::size_t>(options_.sources.size()));
 }
 
 CaptureCommand::~CaptureCommand() = default;
@@ -131,6 +152,7 @@ void CaptureCommand::applyTo(CVDefaultPreferences& settings) const {
   settings.setIncludeHeadersAndFooters(options_.headers);
   if (options_.font) settings.setHeaderAndFooterFont(options_.font);
   settings.setNotes(options_.notes);
+  settings.setDestination(options_.destination);
   if (!options_.paper) return;
   printing::PrintInfo info = printing::PrintInfo::sharedPrintInfo();
   info.setPaperSize(*options_.paper);
@@ -140,6 +162,7 @@ void CaptureCommand::applyTo(CVDefaultPreferences& settings) const {
 /// Sets the folder for the results, which is made if it is missing; or returns the file that a
 /// single source goes to.
 Result<std::optional<QUrl>> CaptureCommand::preparePlace(CVDefaultPreferences& settings) {
+  if (options_.multipage) return std::nullopt;
   const QString output = options_.output.value_or(u"."_s);
   const QFileInfo place(output);
   const bool isFile = options_.sources.size() == 1 && !place.isDir() && !output.endsWith(u'/') &&
@@ -161,13 +184,24 @@ void CaptureCommand::startNext() {
   const auto job = std::make_shared<Job>();
   job->index = nextSource_++;
   job->clock.start();
-  const auto address = addressOfSource(options_.sources[job->index]);
-  if (!address) return end(job, address.error());
-  start(job, *address);
+  const auto page = pageOfSource(options_.sources[job->index]);
+  if (!page) return end(job, page.error());
+  start(job, *page);
 }
 
-void CaptureCommand::start(const std::shared_ptr<Job>& job, const QUrl& address) {
-  job->entry = std::make_shared<CVURLEntry>(services_, address, std::nullopt, false);
+Result<CaptureCommand::Page> CaptureCommand::pageOfSource(const QString& source) const {
+  if (source == u"-"_s) {
+    const auto captured = pageOnStandardInput();
+    if (!captured) return tl::unexpected(captured.error());
+    return Page{captured->url, captured->source};
+  }
+  const auto address = addressOfSource(source);
+  if (!address) return tl::unexpected(address.error());
+  return Page{*address, std::nullopt};
+}
+
+void CaptureCommand::start(const std::shared_ptr<Job>& job, const Page& page) {
+  job->entry = std::make_shared<CVURLEntry>(services_, page.address, page.source, false);
   job->observer = std::make_shared<ProgressObserver>(report_, job->index);
   job->entry->setDelegate(job->observer);
   CVObjectRepository::singleton().getEntryTaskManager()->enqueueEntryForPreparing(
@@ -177,10 +211,41 @@ void CaptureCommand::start(const std::shared_ptr<Job>& job, const QUrl& address)
 }
 
 void CaptureCommand::process(const std::shared_ptr<Job>& job) {
+  if (options_.multipage) return processForMultipage(job);
   CVObjectRepository::singleton().getEntryTaskManager()->enqueueEntryForProcessing(
       job->entry, [this, job](const std::shared_ptr<CVEntry>&, const MaybeError& error) {
         dispatch::mainAsync([=, this] { end(job, error); });
       });
+}
+
+void CaptureCommand::processForMultipage(const std::shared_ptr<Job>& job) {
+  dispatch::globalAsync(dispatch::Priority::High, [this, job] {
+    MaybeError error;
+    const auto file = job->entry->createTemporaryPDFWithConversionMode(options_.mode, error);
+    dispatch::mainAsync([=, this] {
+      if (!error) multipageParts_[static_cast<std::size_t>(job->index)] = file;
+      end(job, error);
+    });
+  });
+}
+
+/// Joins what the sources gave, in their order, and ends the run.
+void CaptureCommand::writeMultipage() {
+  QList<QUrl> files;
+  for (const auto& part : multipageParts_) {
+    if (part) files.append(*part);
+  }
+  const QString target = QFileInfo(*options_.multipage).absoluteFilePath();
+  dispatch::globalAsync(dispatch::Priority::High, [this, files, target] {
+    MaybeError error;
+    if (!files.isEmpty()) {
+      error = PDFMultipageAssembler().mergePDFURLs(files, QUrl::fromLocalFile(target));
+    }
+    dispatch::mainAsync([=, this] {
+      if (error) std::fprintf(stderr, "corvalis: %s\n", qPrintable(error->localizedDescription));
+      std::exchange(finished_, nullptr)(error || report_.anyFailed() ? 1 : 0);
+    });
+  });
 }
 
 void CaptureCommand::end(const std::shared_ptr<Job>& job, const MaybeError& error) {
@@ -193,7 +258,7 @@ void CaptureCommand::end(const std::shared_ptr<Job>& job, const MaybeError& erro
     const CVConversionFacts facts = entry->conversionFacts().value_or(CVConversionFacts());
     result.size = facts.size;
     result.pages = facts.pages;
-    if (!error) result.file = entry->resultLocation().value_or(QUrl()).toLocalFile();
+    if (!error) result.file = resultFile(*entry);
   }
   if (error) result.error = describe(*error);
   job->entry.reset();
@@ -204,6 +269,7 @@ void CaptureCommand::end(const std::shared_ptr<Job>& job, const MaybeError& erro
 
 void CaptureCommand::finishIfComplete() {
   if (!report_.isComplete() || !finished_) return;
+  if (options_.multipage) return writeMultipage();
   const Finished finished = std::exchange(finished_, nullptr);
   finished(report_.anyFailed() ? 1 : 0);
 }

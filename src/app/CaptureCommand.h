@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <memory>
+#include <vector>
 
 #include "app/CaptureOptions.h"
 #include "app/CaptureReport.h"
@@ -26,11 +27,20 @@ class CaptureCommand {
 
  private:
   struct Job;
+  /// What is to be converted: a page to fetch, or one that came whole.
+  struct Page {
+    QUrl address;
+    std::optional<QString> source;
+  };
 
+  Result<Page> pageOfSource(const QString& source) const;
+  void processForMultipage(const std::shared_ptr<Job>& job);
+  void writeMultipage();
   Result<std::optional<QUrl>> preparePlace(CVDefaultPreferences& settings);
   void applyTo(CVDefaultPreferences& settings) const;
+  std::optional<QString> resultFile(const CVURLEntry& entry) const;
   void startNext();
-  void start(const std::shared_ptr<Job>& job, const QUrl& address);
+  void start(const std::shared_ptr<Job>& job, const Page& page);
   void process(const std::shared_ptr<Job>& job);
   void end(const std::shared_ptr<Job>& job, const MaybeError& error);
   void finishIfComplete();
@@ -40,4 +50,6 @@ class CaptureCommand {
   CaptureReport report_;
   Finished finished_;
   qsizetype nextSource_ = 0;
+  /// By source; none where the page gave no PDF.
+  std::vector<std::optional<QUrl>> multipageParts_;
 };

@@ -33,6 +33,8 @@ constexpr OptionText optionTexts[] = {
     {"width", "POINTS", "Width of the page's layout (default: 1024)."},
     {"scale", "FACTOR", "Device pixels per point in pictures (default: 1)."},
     {"compression", "FACTOR", "JPEG and JP2: 0.0 (smallest file) to 1.0 (best picture, default)."},
+    {"destination", "NAME", "Disk (default), Printer, E-Mail, Evernote or DropBox."},
+    {"multipage", "OUT.pdf", "Join all pages, paginated, in one PDF."},
     {"title-domain", nullptr, "Put the site's domain in front of the title."},
     {"paginate", nullptr, "PDF on pages of the paper's size instead of one tall page."},
     {"margin", "POINTS", "Margin of the pages (default: 50)."},
@@ -180,6 +182,30 @@ void readPagination(Reader& reader, CaptureOptions& options) {
   }
 }
 
+QStringList destinations() {
+  QStringList names = CVPreferences::getDestinations();
+  // What is on the clipboard ends with the program that put it there.
+  names.removeAll(u"Pasteboard"_s);
+  return names;
+}
+
+void readDestination(Reader& reader, CaptureOptions& options) {
+  reader.choice("destination", destinations(), options.destination);
+  options.multipage = reader.text("multipage");
+  if (options.multipage && options.output) {
+    reader.fail(u"--multipage names the file; leave --output out."_s);
+  }
+  if (options.multipage && options.destination != u"Disk"_s) {
+    reader.fail(u"--multipage writes to the disk; leave --destination out."_s);
+  }
+  if (options.multipage && options.format != u"PDF"_s) {
+    reader.fail(u"--multipage makes a PDF; leave --format out."_s);
+  }
+  if (options.sources.count(u"-"_s) > 1) {
+    reader.fail(u"Standard input carries one request; name \"-\" once."_s);
+  }
+}
+
 void readReport(const Reader& reader, CaptureOptions& options) {
   if (reader.flag("json")) options.report = ReportForm::JsonLines;
   if (reader.flag("quiet")) options.verbosity = Verbosity::Quiet;
@@ -207,6 +233,7 @@ Result<CaptureOptions::Parsed> CaptureOptions::parse(const QStringList& argument
   reader.number("compression", 0, 1, options.compression);
   options.prependDomain = reader.flag("title-domain");
   readPagination(reader, options);
+  readDestination(reader, options);
   readReport(reader, options);
   if (options.sources.isEmpty()) reader.fail(u"Name at least one page to capture."_s);
   if (options.paginate && options.format != u"PDF"_s) {
@@ -220,7 +247,8 @@ QString CaptureOptions::help() {
   QString text =
       u"Usage: corvalis capture [options] SOURCE...\n\n"
       "Turns web pages into files. A SOURCE is an http, https or file address, or the path of an\n"
-      "HTML file.\n\nOptions:\n"_s;
+      "HTML file; \"-\" reads a capture request (docs/capture-protocol.md) from standard input.\n\n"
+      "Options:\n"_s;
   for (const OptionText& option : optionTexts) {
     QString name = u"  --"_s + optionName(option.name);
     if (name == u"  --output"_s) name = u"  -o, --output"_s;

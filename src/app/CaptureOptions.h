@@ -16,6 +16,9 @@ enum class ReportForm { Text, JsonLines };
 struct CaptureOptions {
   QStringList sources;
   std::optional<QString> output;
+  /// One PDF of all sources, paginated, instead of a file for each.
+  std::optional<QString> multipage;
+  QString destination = QStringLiteral("Disk");
   QString format = QStringLiteral("PDF");
   QString mode = QStringLiteral("Vector");
   /// Points.

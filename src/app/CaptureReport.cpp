@@ -60,7 +60,7 @@ void CaptureReport::tell(const CaptureResult& result) {
     return writeLine(stderr, line.toLocal8Bit());
   }
   const bool plain = options_.report == ReportForm::Text && options_.verbosity != Verbosity::Quiet;
-  if (plain) writeLine(stdout, result.file.value_or(QString()).toLocal8Bit());
+  if (plain && result.file) writeLine(stdout, result.file->toLocal8Bit());
 }
 
 void CaptureReport::tellJson(const CaptureResult& result) const {

@@ -8,8 +8,9 @@
 
 using namespace Qt::StringLiterals;
 
-std::shared_ptr<CVDefaultPreferences> registerCommandLineServices(const QUrl& workFolder) {
-  auto utils = std::make_shared<CVUtils>(CVUtils::Services{});
+std::shared_ptr<CVDefaultPreferences> registerCommandLineServices(const QUrl& workFolder,
+                                                                  CVUtils::Services services) {
+  auto utils = std::make_shared<CVUtils>(std::move(services));
   utils->setDownloadsDirectory(workFolder);
   auto settings = std::make_shared<CVDefaultPreferences>(defaults::UserDefaults::inMemory());
   CVObjectRepository& repository = CVObjectRepository::singleton();

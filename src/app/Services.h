@@ -3,11 +3,11 @@
 #include <QUrl>
 #include <memory>
 
-class CVDefaultPreferences;
-namespace defaults {
-class UserDefaults;
-}
+#include "delivery/CVUtils.h"
 
-/// Registers the shared services of a run of the command line: settings that nothing outlives, and
-/// a working folder of its own.
-std::shared_ptr<CVDefaultPreferences> registerCommandLineServices(const QUrl& workFolder);
+class CVDefaultPreferences;
+
+/// Registers the shared services of a run of the command line: settings that nothing outlives, a
+/// working folder of its own, and the destinations' services, if they are needed.
+std::shared_ptr<CVDefaultPreferences> registerCommandLineServices(const QUrl& workFolder,
+                                                                  CVUtils::Services services);

@@ -3,6 +3,7 @@
 #include <signal.h>
 
 #include <QCoreApplication>
+#include <QDateTime>
 #include <QDir>
 #include <QStandardPaths>
 #include <cerrno>
@@ -18,6 +19,17 @@ QString parentFolder() {
   return folder;
 }
 
+constexpr qint64 daysKept = 2;
+
+QString markerIn(const QString& folder) {
+  return folder + u"/.kept"_s;
+}
+
+bool isStillKept(const QString& folder) {
+  const QFileInfo marker(markerIn(folder));
+  return marker.exists() && marker.lastModified().daysTo(QDateTime::currentDateTime()) < daysKept;
+}
+
 bool isAlive(qint64 process) {
   return ::kill(static_cast<pid_t>(process), 0) == 0 || errno == EPERM;
 }
@@ -26,7 +38,8 @@ bool isAlive(qint64 process) {
 void removeFoldersOfEndedProcesses(const QString& parent) {
   for (const QFileInfo& folder : QDir(parent).entryInfoList(QDir::Dirs | QDir::NoDotAndDotDot)) {
     const qint64 process = folder.fileName().section(u'-', 0, 0).toLongLong();
-    if (process > 0 && !isAlive(process)) QDir(folder.filePath()).removeRecursively();
+    const bool inUse = isAlive(process) || isStillKept(folder.filePath());
+    if (process > 0 && !inUse) QDir(folder.filePath()).removeRecursively();
   }
 }
 
@@ -39,3 +52,9 @@ QString newFolderPattern() {
 }  // namespace
 
 WorkFolder::WorkFolder() : folder_(newFolderPattern()) {}
+
+void WorkFolder::keep() {
+  folder_.setAutoRemove(false);
+  QFile marker(markerIn(folder_.path()));
+  marker.open(QIODevice::WriteOnly);
+}

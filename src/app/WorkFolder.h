@@ -11,6 +11,10 @@ class WorkFolder {
 
   QUrl url() const { return QUrl::fromLocalFile(folder_.path()); }
 
+  /// Leaves the files to the programs that they were handed to: mail and note programs read them
+  /// later.
+  void keep();
+
  private:
   QTemporaryDir folder_;
 };

@@ -4,9 +4,14 @@
 #include "app/CaptureCommand.h"
 #include "app/Diagnostics.h"
 #include "app/Interruption.h"
+#include "app/MergeCommand.h"
+#include "app/OpenCommand.h"
+#include "app/PlatformServices.h"
 #include "app/Services.h"
+#include "app/WindowCommand.h"
 #include "app/WorkFolder.h"
 #include "platform/dispatch/Dispatch.h"
+#include "platform/dropbox/ClientsManager.h"
 #include "platform/web/Engine.h"
 #include "settings/CVDefaultPreferences.h"
 
@@ -14,17 +19,22 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
+constexpr int failureStatus = 1;
 constexpr int usageStatus = 2;
 
 constexpr char helpText[] =
-    "Usage: corvalis capture [options] SOURCE...   turn web pages into files\n"
+    "Usage: corvalis [ADDRESS...]                  open the window, with these pages\n"
+    "       corvalis capture [options] SOURCE...   turn web pages into files\n"
+    "       corvalis merge -o OUT.pdf FILE...      join PDF files\n"
+    "       corvalis open ADDRESS...               hand pages to the window\n"
     "       corvalis --help | --version\n"
     "\n"
-    "\"corvalis capture --help\" lists the options.\n";
+    "Each command lists its options with --help.\n";
 
-int printUsageError(const QString& problem) {
-  std::fprintf(stderr, "corvalis: %s\n\n%s", qPrintable(problem), helpText);
-  return usageStatus;
+int complain(const QString& problem, int status) {
+  std::fprintf(stderr, "corvalis: %s\n", qPrintable(problem));
+  if (status == usageStatus) std::fprintf(stderr, "\n%s", helpText);
+  return status;
 }
 
 int runCapture(int& argc, char** argv, const CaptureOptions& options) {
@@ -35,11 +45,18 @@ int runCapture(int& argc, char** argv, const CaptureOptions& options) {
   dispatch::initialize();
   const auto engine = web::Engine::shared();
   engine->warmUp();
-  const WorkFolder workFolder;
-  const auto settings = registerCommandLineServices(workFolder.url());
+  WorkFolder workFolder;
+  const bool isHandedOn = options.destination != u"Disk"_s;
+  const auto settings = registerCommandLineServices(
+      workFolder.url(), isHandedOn ? makePlatformServices() : CVUtils::Services());
+  if (isHandedOn) {
+    workFolder.keep();
+    dropbox::ClientsManager::shared().setupWithAppKeyDesktop(u"k3r8tq0vz5mha2x"_s);
+  }
   CaptureCommand command(options, engine);
   onInterruption([](int signal) { QCoreApplication::exit(128 + signal); });
-  command.run(*settings, [](int status) { QCoreApplication::exit(status); });
+  dispatch::mainAsync(
+      [&] { command.run(*settings, [](int status) { QCoreApplication::exit(status); }); });
   const int status = QGuiApplication::exec();
   engine->shutdown();
   dispatch::finish();
@@ -48,9 +65,32 @@ int runCapture(int& argc, char** argv, const CaptureOptions& options) {
 
 int capture(int& argc, char** argv, const QStringList& arguments) {
   const auto parsed = CaptureOptions::parse(arguments);
-  if (!parsed) return printUsageError(parsed.error().localizedDescription);
+  if (!parsed) return complain(parsed.error().localizedDescription, usageStatus);
   if (!parsed->helpWanted) return runCapture(argc, argv, parsed->options);
   std::fputs(qPrintable(CaptureOptions::help()), stdout);
+  return 0;
+}
+
+int open(int& argc, char** argv, const QStringList& arguments) {
+  if (arguments.contains(u"--help"_s)) {
+    std::fputs(qPrintable(OpenCommand::help()), stdout);
+    return 0;
+  }
+  if (arguments.isEmpty()) return complain(u"Name at least one address to open."_s, usageStatus);
+  const auto requests = OpenCommand::readRequests(arguments);
+  if (!requests) return complain(requests.error().localizedDescription, failureStatus);
+  const auto handed = OpenCommand::handOver(*requests);
+  if (!handed) return complain(handed.error().localizedDescription, failureStatus);
+  return *handed ? 0 : runWindowCommand(argc, argv, *requests);
+}
+
+int printHelp() {
+  std::fputs(helpText, stdout);
+  return 0;
+}
+
+int printVersion() {
+  std::puts("corvalis " CORVALIS_VERSION);
   return 0;
 }
 
@@ -61,21 +101,24 @@ QStringList argumentList(int argc, char** argv) {
   return arguments;
 }
 
+bool hasDisplay() {
+  return !qEnvironmentVariableIsEmpty("DISPLAY") || !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
   QCoreApplication::setApplicationName(u"corvalis"_s);
   QCoreApplication::setApplicationVersion(QStringLiteral(CORVALIS_VERSION));
-  QStringList arguments = argumentList(argc, argv);
-  const QString command = arguments.isEmpty() ? u"--help"_s : arguments.takeFirst();
-  if (command == u"capture"_s) return capture(argc, argv, arguments);
-  if (command == u"--help"_s || command == u"-h"_s) {
-    std::fputs(helpText, stdout);
-    return 0;
-  }
-  if (command == u"--version"_s) {
-    std::puts("corvalis " CORVALIS_VERSION);
-    return 0;
-  }
-  return printUsageError(u"“%1” is not a command."_s.arg(command));
+  const QStringList arguments = argumentList(argc, argv);
+  if (arguments.isEmpty()) return hasDisplay() ? runWindowCommand(argc, argv, {}) : printHelp();
+  const QString& command = arguments.first();
+  const QStringList rest = arguments.sliced(1);
+  if (command == u"capture"_s) return capture(argc, argv, rest);
+  if (command == u"merge"_s) return runMergeCommand(rest);
+  if (command == u"open"_s) return open(argc, argv, rest);
+  if (command == u"--help"_s || command == u"-h"_s) return printHelp();
+  if (command == u"--version"_s) return printVersion();
+  if (command.contains(u':')) return open(argc, argv, arguments);
+  return complain(u"“%1” is not a command."_s.arg(command), usageStatus);
 }
