@@ -94,10 +94,10 @@ class ProgressObserver : public CVEntryDelegate {
 
 }  // namespace
 
-/// Where the user finds the result; none for a page that was handed to another program.
+/// Where the user finds the result; none for a page that was joined with others or handed to
+/// another program.
 std::optional<QString> CaptureCommand::resultFile(const CVURLEntry& entry) const {
-  if (options_.multipage) return options_.multipage;
-  if (!entry.canBeRevealed()) return std::nullopt;
+  if (options_.multipage || !entry.canBeRevealed()) return std::nullopt;
   return entry.resultLocation().value_or(QUrl()).toLocalFile();
 }
 
@@ -242,7 +242,7 @@ void CaptureCommand::writeMultipage() {
       error = PDFMultipageAssembler().mergePDFURLs(files, QUrl::fromLocalFile(target));
     }
     dispatch::mainAsync([=, this] {
-      if (error) std::fprintf(stderr, "corvalis: %s\n", qPrintable(error->localizedDescription));
+      report_.joined(files.isEmpty() ? std::nullopt : std::optional(target), error);
       std::exchange(finished_, nullptr)(error || report_.anyFailed() ? 1 : 0);
     });
   });

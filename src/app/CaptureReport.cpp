@@ -59,8 +59,20 @@ void CaptureReport::tell(const CaptureResult& result) {
     const QString line = u"corvalis: %1: %2"_s.arg(result.source, *result.error);
     return writeLine(stderr, line.toLocal8Bit());
   }
+  if (result.file) tellFile(*result.file);
+}
+
+void CaptureReport::tellFile(const QString& file) const {
   const bool plain = options_.report == ReportForm::Text && options_.verbosity != Verbosity::Quiet;
-  if (plain && result.file) writeLine(stdout, result.file->toLocal8Bit());
+  if (plain) writeLine(stdout, file.toLocal8Bit());
+}
+
+void CaptureReport::joined(const std::optional<QString>& file, const MaybeError& error) {
+  if (error) {
+    anyFailed_ = true;
+    return writeLine(stderr, u"corvalis: %1"_s.arg(error->localizedDescription).toLocal8Bit());
+  }
+  if (file) tellFile(*file);
 }
 
 void CaptureReport::tellJson(const CaptureResult& result) const {

@@ -14,7 +14,7 @@ struct CaptureResult {
   std::optional<QString> title;
   std::optional<QString> file;
   /// Points for a PDF, device pixels for a picture.
-  QSizeF size;
+  QSizeF size{0, 0};
   int pages = 0;
   double seconds = 0;
   std::optional<QString> error;
@@ -32,11 +32,15 @@ class CaptureReport {
   /// Takes a result; results are told as soon as all before them have been.
   void finished(qsizetype index, CaptureResult result);
 
+  /// Tells of the one document that all results went into, or why it could not be written.
+  void joined(const std::optional<QString>& file, const MaybeError& error);
+
   bool isComplete() const { return next_ == results_.size(); }
   bool anyFailed() const { return anyFailed_; }
 
  private:
   void tell(const CaptureResult& result);
+  void tellFile(const QString& file) const;
   void tellJson(const CaptureResult& result) const;
   void clearProgress();
 

@@ -21,7 +21,7 @@ class CVUtils;
 /// What a finished conversion produced, for those who report it.
 struct CVConversionFacts {
   /// Points for a PDF (its first page), device pixels for a picture.
-  QSizeF size;
+  QSizeF size{0, 0};
   int pages = 0;
 };
 
