@@ -127,7 +127,7 @@ void EngineInstance::closeOpenedWindow(const QJsonObject& event) {
 void EngineInstance::handleCrash(const Error& reason) {
   if (ended_) return;
   logLine(u"The browser ended unexpectedly."_s);
-  end(describeEnd(reason, process_->diagnostics()), EngineProcess::FolderRemoval::InBackground);
+  end(describeEnd(reason, process_->kill()), EngineProcess::FolderRemoval::InBackground);
 }
 
 void EngineInstance::end(const Error& reason, EngineProcess::FolderRemoval removal) {

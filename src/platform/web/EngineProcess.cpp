@@ -120,13 +120,8 @@ void EngineProcess::collectDiagnostics() {
   if (diagnostics_.size() > diagnosticsLimit) diagnostics_ = diagnostics_.last(diagnosticsLimit);
 }
 
-QString EngineProcess::diagnostics() {
-  if (process_) collectDiagnostics();
-  return QString::fromUtf8(diagnostics_);
-}
-
-void EngineProcess::end(FolderRemoval removal) {
-  if (!process_) return folder_.remove();
+QString EngineProcess::kill() {
+  if (!process_) return QString::fromUtf8(diagnostics_);
   if (processIdentifier_ > 0) ::kill(static_cast<pid_t>(-processIdentifier_), SIGKILL);
   // Killed or dead, it ends at once; the bound is for a process that hangs in the kernel.
   if (process_->state() != QProcess::NotRunning)
@@ -135,6 +130,11 @@ void EngineProcess::end(FolderRemoval removal) {
   process_.reset();
   readEnd_.reset();
   writeEnd_.reset();
+  return QString::fromUtf8(diagnostics_);
+}
+
+void EngineProcess::end(FolderRemoval removal) {
+  kill();
   if (removal == FolderRemoval::Now) return folder_.remove();
   auto folder = std::make_shared<EngineFolder>(std::move(folder_));
   dispatch::globalAsync(dispatch::Priority::Default, [folder] { folder->remove(); });

@@ -30,11 +30,12 @@ class EngineProcess {
 
   qint64 processIdentifier() const { return processIdentifier_; }
   QString folder() const { return folder_.path(); }
-  /// The last lines that the browser wrote to its standard error.
-  QString diagnostics();
+  /// Kills the process group and collects the process. Returns the last lines that the browser
+  /// wrote to its standard error, all of them only now.
+  QString kill();
 
   enum class FolderRemoval { Now, InBackground };
-  /// Kills the process group, collects the process and removes the folder.
+  /// Kills the browser, if that was not done, and removes the folder.
   void end(FolderRemoval removal);
 
  private:
