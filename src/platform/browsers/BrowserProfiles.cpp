@@ -55,16 +55,11 @@ QStringList profileFoldersInUse() {
   return folders;
 }
 
-QList<ManifestFolder> allManifestFolders() {
+QList<ManifestFolder> manifestFolders() {
   QList<ManifestFolder> folders{firefoxFolder()};
   for (const char16_t* folder : chromiumFolders)
     folders.append(
         {ManifestFolder::Family::Chromium, inConfig(folder) + u"/NativeMessagingHosts"_s});
-  return folders;
-}
-
-QList<ManifestFolder> manifestFolders() {
-  QList<ManifestFolder> folders = allManifestFolders();
   folders.removeIf([](const ManifestFolder& folder) {
     return !QDir(QDir::cleanPath(folder.path + u"/.."_s)).exists();
   });

@@ -21,7 +21,4 @@ struct ManifestFolder {
 /// One for each browser that the user has ever started (its own folder exists).
 QList<ManifestFolder> manifestFolders();
 
-/// The same for every browser that we know, started or not.
-QList<ManifestFolder> allManifestFolders();
-
 }  // namespace browsers
