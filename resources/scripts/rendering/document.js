@@ -87,9 +87,36 @@
     });
   };
 
+  const isBackdrop = (style, box) =>
+    style.zIndex < 0 && box.width >= innerWidth * 0.95 && box.height >= innerHeight * 0.95;
+
+  // The engine paints what is fixed to the viewport on its first screen only: backgrounds go on with the
+  // document.
+  const spreadBackground = (element, style) => {
+    if (!style.backgroundAttachment.includes('fixed')) return;
+    corvalisPage.override(element, {
+      'background-attachment': style.backgroundAttachment.replaceAll('fixed', 'scroll'),
+    });
+  };
+
+  const spreadPseudoElements = (documentHeight) => {
+    for (const element of [document.documentElement, document.body].filter(Boolean)) {
+      for (const pseudo of ['::before', '::after']) {
+        const style = getComputedStyle(element, pseudo);
+        const box = { width: parseFloat(style.width), height: parseFloat(style.height) };
+        if (style.content === 'none' || style.position !== 'fixed' || !isBackdrop(style, box)) continue;
+        corvalisPage.addSheet(`${element.localName}${pseudo} { height: ${documentHeight}px !important; }`);
+      }
+    }
+  };
+
   const placeFixed = (element, documentHeight, pages) => {
     const box = element.getBoundingClientRect();
     if (box.width === 0 && box.height === 0) return;
+    if (isBackdrop(getComputedStyle(element), box)) {
+      corvalisPage.pin(element, 0);
+      return corvalisPage.override(element, { height: `${documentHeight}px`, 'max-height': 'none' });
+    }
     // A drawer that waits below or above the screen must not show in a picture that goes further.
     if (isOutside(box)) return corvalisPage.override(element, { transition: 'none', opacity: '0' });
     const shift = isBottomBar(box) ? Math.max(0, documentHeight - innerHeight) : 0;
@@ -106,14 +133,16 @@
     corvalisPage.jumpTo(0, 0);
     const fixed = [];
     for (const element of corvalisPage.elements(document)) {
-      const position = getComputedStyle(element).position;
-      if (position === 'fixed') fixed.push(element);
-      if (position !== 'sticky') continue;
+      const style = getComputedStyle(element);
+      spreadBackground(element, style);
+      if (style.position === 'fixed') fixed.push(element);
+      if (style.position !== 'sticky') continue;
       corvalisPage.override(element, {
         position: 'relative', top: 'auto', bottom: 'auto', left: 'auto', right: 'auto',
       });
     }
     const size = corvalisPage.size();
+    spreadPseudoElements(size.height);
     for (const element of fixed.filter(isFixedToViewport)) placeFixed(element, size.height, pages);
     return size;
   };

@@ -1,7 +1,8 @@
 #pragma once
 
-#include <QHash>
+#include <QDeadlineTimer>
 #include <QJsonArray>
+#include <QSet>
 #include <QString>
 #include <QStringList>
 #include <functional>
@@ -9,6 +10,7 @@
 #include <vector>
 
 #include "platform/base/Error.h"
+#include "platform/dispatch/Timer.h"
 #include "platform/rendering/StyleText.h"
 #include "platform/web/Session.h"
 
@@ -42,11 +44,17 @@ class SettledStyles : public std::enable_shared_from_this<SettledStyles> {
       : page_(std::move(page)), viewport_(std::move(viewport)) {}
 
   void start();
+  void follow();
   void noteSheet(const QJsonObject& header);
-  void readSheets();
   void readInlineStyles();
+  void readSheets();
   void askConditions();
   void change(const QJsonArray& answers);
+  void changeSheets();
+  bool knownBefore(size_t index) const;
+  void afterSheets();
+  void waitForImports(std::function<void()> then);
+  void checkImports(QDeadlineTimer deadline, std::function<void()> then);
   void changeInlineStyles();
   void finish(MaybeError error);
   void setText(const Sheet& sheet, const QString& text, std::function<void()> then);
@@ -54,8 +62,15 @@ class SettledStyles : public std::enable_shared_from_this<SettledStyles> {
   std::shared_ptr<web::Page> page_;
   ScreenViewport viewport_;
   Settled callback_;
-  web::Subscription subscription_;
+  std::vector<web::Subscription> subscriptions_;
   std::vector<Sheet> sheets_;
+  /// Sheets before this one have been settled.
+  size_t firstUnsettled_ = 0;
+  int rounds_ = 0;
+  /// What the page has now, and had at first.
+  QSet<QString> live_;
+  qsizetype liveAtFirst_ = 0;
+  std::unique_ptr<dispatch::Timer> poll_;
   QStringList inlineStyles_;
   QStringList media_;
   QStringList conditions_;

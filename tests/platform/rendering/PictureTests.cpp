@@ -45,8 +45,8 @@ class LadderCheck : public rendering::PictureReceiver {
 
 class PictureTest : public RenderingTest {
  protected:
-  void checkLadder(int height, double scale) {
-    openMarkup(ladder(height));
+  void checkLadder(int height, double scale, double pageScale = 1) {
+    openMarkup(ladder(height), {.deviceScaleFactor = pageScale});
     const auto check = std::make_shared<LadderCheck>(scale);
     const auto result = await<Result<rendering::CapturedPicture>>(
         [&](auto done) { rendering::capturePicture(page, {.scale = scale}, check, done); });
@@ -66,6 +66,8 @@ TEST_F(PictureTest, TallPagesAreRightInEveryRow) {
 TEST_F(PictureTest, ScaledStripsMeetWithoutSeams) {
   checkLadder(20000, 2);
   checkLadder(12300, 1.25);
+  checkLadder(20000, 2, 2);
+  checkLadder(9000, 1, 2);
 }
 
 TEST_F(PictureTest, BarsStandOnceAtTheirPlaces) {
@@ -130,6 +132,24 @@ TEST_F(PictureTest, DocumentsHaveTheSizeOfTheirBoxes) {
     const QSizeF found = size();
     EXPECT_EQ(found.width(), test.size.width()) << test.name;
     EXPECT_NEAR(found.height(), test.size.height(), 1) << test.name;
+  }
+}
+
+TEST_F(PictureTest, FixedBackgroundsReachTheEnd) {
+  const QString end = u"<div style='height:3000px'></div>"_s;
+  const std::pair<const char*, QString> cases[] = {
+      {"attachment",
+       u"<style>body{margin:0;background:linear-gradient(lime,lime) fixed}</style>"_s},
+      {"element",
+       u"<style>body{margin:0}i{position:fixed;z-index:-1;inset:0;background:lime}</style><i></i>"_s},
+      {"pseudo-element",
+       u"<style>body{margin:0}body::before{content:'';position:fixed;z-index:-1;top:0;left:0;"
+       "width:100%;height:100vh;background:lime}</style>"_s}};
+  for (const auto& [name, markup] : cases) {
+    openMarkup(u"<!DOCTYPE html>"_s + markup + end);
+    const QImage image = picture();
+    for (const int row : {5, 760, 780, 2995})
+      EXPECT_EQ(colour(image, 500, row), "00ff00") << name << row;
   }
 }
 

@@ -87,6 +87,22 @@ TEST_F(PrintTest, SheetsOfOtherOriginsAreSettledToo) {
   EXPECT_EQ(colour(pdfPixels(path), 5, 770), "ffffff");
 }
 
+TEST_F(PrintTest, ImportedSheetsAreSettledAndStay) {
+  Loopback server;
+  server.set("/", {"text/html",
+                   "<!DOCTYPE html><link rel=stylesheet href=/outer.css><body><p></p><div></div>"});
+  server.set("/outer.css",
+             {"text/css",
+              "@import '/inner.css'; body { margin: 0 } div { height: 50vh; background: blue }"});
+  server.set("/inner.css", {"text/css", "p { margin: 0; height: 100vh; background: red }"});
+  open({.url = server.url(u"/"_s)}, {});
+  const QString path = printTall();
+  expectOnePage(path, {1024, 1152});
+  EXPECT_EQ(colour(pdfPixels(path), 5, 766), "ff0000");
+  EXPECT_EQ(colour(pdfPixels(path), 5, 770), "0000ff");
+  EXPECT_EQ(size(), QSizeF(1024, 1152));
+}
+
 TEST_F(PrintTest, BarsStandWhereThePictureHasThem) {
   openFixture(u"bars.html"_s);
   const QString path = printTall();
