@@ -1,0 +1,28 @@
+// Reads a tab: runs the content scripts in all its frames and puts their pieces together.
+
+import {assembled} from './assemble.js';
+import {isWebAddress} from './request.js';
+
+const contentScripts = ['content/styles.js', 'content/attributes.js', 'content/pictures.js',
+  'content/markup.js', 'content/capture.js'];
+
+/** The tab that the user sees; with the program's window in front, the one last seen. */
+export async function activeTab() {
+  const [tab] = await chrome.tabs.query({active: true, lastFocusedWindow: true});
+  return tab;
+}
+
+/** The page, or an error whose message is for the user. */
+export async function capturedTab(tab) {
+  if (!isWebAddress(tab?.url)) throw new Error('Corvalis captures web pages only.');
+  let results;
+  try {
+    results = await chrome.scripting.executeScript(
+      {target: {tabId: tab.id, allFrames: true}, files: contentScripts});
+  } catch (refusal) {
+    throw new Error(`The browser does not let this page be captured: ${refusal.message}`);
+  }
+  const page = assembled(results.map(result => result.result).filter(piece => piece));
+  if (!page) throw new Error('This page could not be read.');
+  return page;
+}

@@ -1,0 +1,26 @@
+// The last of the content scripts: its value is the piece of the page that this frame holds.
+
+(() => {
+  /** The index of each window among its parent's, from the top down; none at the top itself. */
+  function placeAmongFrames() {
+    const path = [];
+    for (let view = window; view !== view.parent; view = view.parent) {
+      let index = 0;
+      while (index < view.parent.length && view.parent[index] !== view) ++index;
+      path.unshift(index);
+    }
+    return path;
+  }
+
+  // A picture or a text alone has no markup worth sending that a fetch would not bring.
+  const root = document.documentElement;
+  if (!root || root.localName !== 'html') return null;
+  return {
+    path: placeAmongFrames(),
+    address: location.href,
+    base: document.baseURI,
+    doctype: document.compatMode === 'CSS1Compat' ? '<!DOCTYPE html>\n' : '',
+    parts: corvalis.markupParts(root, window),
+    styles: corvalis.stylesOf(document),
+  };
+})();
