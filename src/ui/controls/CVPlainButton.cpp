@@ -37,7 +37,9 @@ void CVPlainButton::leaveEvent(QEvent* event) {
 }
 
 void CVPlainButton::focusInEvent(QFocusEvent* event) {
-  focusFromKeyboard_ = event->reason() != Qt::MouseFocusReason;
+  const Qt::FocusReason reason = event->reason();
+  focusFromKeyboard_ = reason == Qt::TabFocusReason || reason == Qt::BacktabFocusReason ||
+                       reason == Qt::ShortcutFocusReason;
   QPushButton::focusInEvent(event);
 }
 

@@ -24,6 +24,11 @@ void CVScaleToFillImageView::setCornerRadius(double radius) {
   update();
 }
 
+void CVScaleToFillImageView::setFrameColor(const QColor& color) {
+  frameColor_ = color;
+  update();
+}
+
 QRectF CVScaleToFillImageView::sourceRectangle(const QSizeF& image, const QSizeF& view) {
   const double imageRatio = image.height() / image.width();
   const double viewRatio = view.height() / view.width();
@@ -60,4 +65,9 @@ void CVScaleToFillImageView::paintEvent(QPaintEvent*) {
   painter.setPen(Qt::NoPen);
   painter.setBrush(QBrush(scaledPart()));
   painter.drawRoundedRect(QRectF(rect()), cornerRadius_, cornerRadius_);
+  if (!frameColor_.isValid()) return;
+  painter.setPen(QPen(frameColor_, 1));
+  painter.setBrush(Qt::NoBrush);
+  painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), cornerRadius_,
+                          cornerRadius_);
 }

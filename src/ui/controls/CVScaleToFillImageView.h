@@ -29,6 +29,8 @@ class CVScaleToFillImageView : public QWidget {
 
   /// Points; 0 at first.
   void setCornerRadius(double radius);
+  /// A hairline around the picture, which would else melt into its ground; none at first.
+  void setFrameColor(const QColor& color);
 
  protected:
   void paintEvent(QPaintEvent* event) override;
@@ -39,5 +41,6 @@ class CVScaleToFillImageView : public QWidget {
   QImage image_;
   QSize wrapperSize_;
   double cornerRadius_ = 0;
+  QColor frameColor_;
   QPixmap scaled_;
 };

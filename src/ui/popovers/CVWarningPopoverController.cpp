@@ -21,6 +21,8 @@ CVWarningPopoverController::CVWarningPopoverController(QStringList warnings, QWi
     row->setFixedHeight(rowHeight);
     layout.rows->addWidget(row);
   }
+  layout.tableView->viewport()->setAutoFillBackground(false);
+  layout.list->setAutoFillBackground(false);
   layout.list->setFixedHeight(numberOfRows() * rowHeight);
   setMaximumHeight(numberOfRows() * rowHeight);
   resize(width(), numberOfRows() * rowHeight);

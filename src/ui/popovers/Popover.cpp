@@ -27,6 +27,7 @@ Popover::Popover(QWidget* content, QWidget* window)
   setAttribute(Qt::WA_TranslucentBackground);
   setAttribute(Qt::WA_DeleteOnClose);
   setAttribute(Qt::WA_NoMouseReplay);  // a click on the button that opened it only closes it
+  setFocusPolicy(Qt::StrongFocus);
   setAccessibleName(content->accessibleName());
   auto* layout = new QVBoxLayout(this);
   const int margin = shadow + arrow;
@@ -48,8 +49,7 @@ void Popover::showRelativeTo(const QWidget& anchor, Edge preferred) {
   move(placeAt(target, screen->availableGeometry()));
   shapeWindow();
   show();
-  setFocus(Qt::PopupFocusReason);
-  focusNextChild();
+  setFocus(Qt::PopupFocusReason);  // the arrow keys and Tab go on from here to the first command
 }
 
 QPoint Popover::placeAt(const QRect& anchor, const QRect& screen) {

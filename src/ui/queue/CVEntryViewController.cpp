@@ -86,10 +86,10 @@ void CVEntryViewController::loadView() {
 
 void CVEntryViewController::connectActions() {
   using View = ui::EntryRowView;
-  const auto action = [this](void (CVEntryViewController::*act)()) {
-    return [this, act] {
-      const auto self = shared_from_this();  // an action may take the row out of its table
-      ((*self).*act)();
+  // The view may outlive the row for a moment, and an action may take the row out of its table.
+  const auto action = [weak = weak_from_this()](void (CVEntryViewController::*act)()) {
+    return [weak, act] {
+      if (const auto self = weak.lock()) ((*self).*act)();
     };
   };
   QObject::connect(view_, &View::processRequested, view_,
@@ -101,12 +101,13 @@ void CVEntryViewController::connectActions() {
   QObject::connect(view_, &View::upRequested, view_, action(&CVEntryViewController::onUp));
   QObject::connect(view_, &View::downRequested, view_, action(&CVEntryViewController::onDown));
   QObject::connect(view_, &View::titleEdited, view_,
-                   [this](const QString& title) { onTitleEditingEnded(title); });
+                   [weak = weak_from_this()](const QString& title) {
+                     if (const auto self = weak.lock()) self->onTitleEditingEnded(title);
+                   });
 }
 
 void CVEntryViewController::unloadView() {
   if (!view_) return;
-  view_->disconnect();
   view_->hide();
   view_->deleteLater();
   view_ = nullptr;

@@ -3,6 +3,7 @@
 #include <QApplication>
 #include <QKeyEvent>
 #include <QPainter>
+#include <QUrl>
 
 #include "settings/CVDefaultPreferences.h"
 #include "settings/CVObjectRepository.h"
@@ -72,7 +73,11 @@ EntryRowView::EntryRowView(QWidget* parent)
   connect(qApp, &QApplication::focusChanged, this, [this] { showLesserActions(); });
 }
 
-EntryRowView::~EntryRowView() = default;
+/// The focus moves once more while the widgets go, when the layout is gone already.
+EntryRowView::~EntryRowView() {
+  disconnect(qApp, nullptr, this, nullptr);
+  layout_->titleTextField->disconnect(this);
+}
 
 void EntryRowView::setTextFonts() {
   layout_->titleTextField->setFont(textFont(TextSize::Title));
@@ -122,6 +127,7 @@ void EntryRowView::show(const EntryAppearance& appearance, const QString& title,
   field.setCursorPosition(0);
   field.setReadOnly(!titleEditable);
   field.setFocusPolicy(titleEditable ? Qt::StrongFocus : Qt::NoFocus);
+  field.setPlaceholderText(QUrl(appearance.address.value_or(QString())).host());
   layout_->urlButton->setVisible(appearance.address.has_value());
   layout_->urlButton->setAddress(appearance.address.value_or(QString()));
   layout_->urlButton->setEnabled(appearance.addressEnabled);
@@ -154,6 +160,7 @@ void EntryRowView::setThumbnail(const QImage& image) {
 
 void EntryRowView::setSpinning(bool spinning) {
   layout_->thumbnailProgressIndicator->setVisible(spinning);
+  layout_->busyVeil->setVisible(spinning);
   layout_->thumbnailProgressIndicator->setIndeterminate(spinning && isVisible());
   appearance_.spinning = spinning;
 }
@@ -172,6 +179,7 @@ void EntryRowView::setMovable(bool up, bool down) {
 }
 
 void EntryRowView::updateTheme() {
+  layout_->thumbnailImageView->setFrameColor(Theme::current().hairline);
   setIcons(*layout_->processButton, u"save"_s);
   setIcons(*layout_->removeButton, u"delete"_s);
   setIcons(*layout_->revealButton, u"view"_s);

@@ -110,7 +110,7 @@ void QueueTableView::showDropLine(int row) {
   palette.setColor(QPalette::Window, Theme::current().accent);
   dropLine_->setPalette(palette);
   const int y = row * rowHeight() - verticalScrollBar()->value() - dropLineHeight / 2;
-  const int lowest = viewport()->height() - dropLineHeight;
+  const int lowest = qMax(0, viewport()->height() - dropLineHeight);
   dropLine_->setGeometry(0, qBound(0, y, lowest), viewport()->width(), dropLineHeight);
 }
 

@@ -56,6 +56,16 @@ int QueueTableView::rowHeight() const {
 void QueueTableView::layoutRows() {
   layoutTimer_->stop();
   if (!dataSource_) return;
+  if (layingOut_) return reloadData();  // the scroll bar came or went, or moved
+  layingOut_ = true;
+  layoutRowsOnce();
+  layingOut_ = false;
+  const bool lostItsRow = lastFocusedRow_ >= 0 && !QApplication::focusWidget();
+  if (lostItsRow && rowCount() > 0 && isActiveWindow())
+    focusRow(qMin(lastFocusedRow_, rowCount() - 1));
+}
+
+void QueueTableView::layoutRowsOnce() {
   const int count = rowCount();
   const int focused = focusedRow();
   if (focused >= 0) lastFocusedRow_ = focused;
@@ -65,12 +75,9 @@ void QueueTableView::layoutRows() {
   place(widgetsOfRows(first, last));
   orderFocus();
   dropLine_->raise();
-  const bool lostItsRow = lastFocusedRow_ >= 0 && !QApplication::focusWidget();
-  if (lostItsRow && count > 0 && isActiveWindow()) focusRow(qMin(lastFocusedRow_, count - 1));
 }
 
 void QueueTableView::updateScrollBar(int count) {
-  QSignalBlocker quiet(verticalScrollBar());
   verticalScrollBar()->setPageStep(viewport()->height());
   verticalScrollBar()->setSingleStep(rowHeight() / 4);
   verticalScrollBar()->setRange(0, qMax(0, count * rowHeight() - viewport()->height()));
@@ -118,15 +125,19 @@ void QueueTableView::place(const QList<QPointer<QWidget>>& widgets) {
 void QueueTableView::orderFocus() {
   std::sort(placed_.begin(), placed_.end(),
             [](const auto& one, const auto& other) { return one->y() < other->y(); });
-  QWidget* previous = viewport();
+  QWidget* previous = nullptr;
   for (const QPointer<QWidget>& row : std::as_const(placed_)) {
-    QWidget::setTabOrder(previous, row);
+    if (previous) QWidget::setTabOrder(previous, row);
     previous = row;
     for (QWidget* control : row->findChildren<QWidget*>()) {
       if (control->focusPolicy() == Qt::NoFocus) continue;
       QWidget::setTabOrder(previous, control);
       previous = control;
     }
+  }
+  for (const QPointer<QWidget>& control : std::as_const(nextInTabOrder_)) {
+    if (previous && control) QWidget::setTabOrder(previous, control);
+    previous = control;
   }
 }
 
@@ -149,7 +160,7 @@ int QueueTableView::focusedRow() const {
 void QueueTableView::focusRow(int row) {
   const int top = row * rowHeight();
   const int offset = verticalScrollBar()->value();
-  const int lowest = top + rowHeight() - viewport()->height();
+  const int lowest = qMin(top, top + rowHeight() - viewport()->height());
   lastFocusedRow_ = row;
   verticalScrollBar()->setValue(qBound(lowest, offset, top));
   layoutRows();

@@ -42,6 +42,9 @@ class QueueTableView : public QAbstractScrollArea {
   /// Not owned; none when it ends before the table.
   void setDataSource(QueueTableDataSource* dataSource);
 
+  /// The controls that the keyboard reaches after the last row, in their order.
+  void setNextInTabOrder(const QList<QPointer<QWidget>>& controls) { nextInTabOrder_ = controls; }
+
   /// The one kind of drag that the table accepts, and only from itself. Empty: none.
   void registerForDraggedType(const QString& type);
 
@@ -68,6 +71,7 @@ class QueueTableView : public QAbstractScrollArea {
  private:
   int rowCount() const;
   int rowHeight() const;
+  void layoutRowsOnce();
   void updateScrollBar(int count);
   std::pair<int, int> rowsNearby(int count) const;
   QList<QPointer<QWidget>> widgetsOfRows(int first, int last);
@@ -88,9 +92,11 @@ class QueueTableView : public QAbstractScrollArea {
   QWidget* dropLine_;
   /// The widgets of the rows, in the order of the rows.
   QList<QPointer<QWidget>> placed_;
+  QList<QPointer<QWidget>> nextInTabOrder_;
   QPointer<QWidget> pressedRow_;
   QPoint pressed_;
   int lastFocusedRow_ = -1;
+  bool layingOut_ = false;
 };
 
 }  // namespace ui

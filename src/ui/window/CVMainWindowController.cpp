@@ -53,6 +53,7 @@ CVMainWindowController::CVMainWindowController(Services services)
   nameControls();
   createMenus();
   connectControls();
+  orderFocus();
   if (services_.delegate) services_.delegate->setMainWindow(this);
 }
 
@@ -110,6 +111,7 @@ void CVMainWindowController::initializeMainWindow() {
   showEmptyState(true);
   resize(usualWidth, contentHeightForRows(0) + titleBarHeight());
   bringToFront();
+  centralWidget()->setFocus();  // no control is marked before the keyboard is used
 }
 
 /// The rule by which releases of the system have a touch bar.
@@ -126,6 +128,19 @@ void CVMainWindowController::initializeTouchBar() {
       [this](const QString& identifier) {
         identifier.endsWith(u"safari"_s) ? captureFromSafari() : captureFromChrome();
       });
+  orderFocus();
+}
+
+/// The keyboard goes from the queue to the bar and along it.
+void CVMainWindowController::orderFocus() {
+  QList<QPointer<QWidget>> order{layout_->addButton};
+  for (QWidget* action : layout_->quickActions->findChildren<QWidget*>())
+    order += action;
+  order << layout_->warningButton << layout_->batchButton;
+  for (qsizetype control = 1; control < order.size(); ++control) {
+    setTabOrder(order[control - 1], order[control]);
+  }
+  layout_->tableView->setNextInTabOrder(order);
 }
 
 void CVMainWindowController::startAnimatingArrow() {
@@ -147,6 +162,7 @@ void CVMainWindowController::setSpin(bool spin) {
 }
 
 void CVMainWindowController::setBusyLook(bool busy) {
+  layout_->quickActions->setVisible(!busy && layout_->quickActions->hasItems());
   layout_->busyIndicator->setVisible(busy);
   layout_->busyIndicator->setIndeterminate(busy);
   layout_->dropLabel->setText(busy ? tr("Dropping is off while Corvalis works")
@@ -239,9 +255,4 @@ void CVMainWindowController::beginSavePanel(
 void CVMainWindowController::closeEvent(QCloseEvent* event) {
   event->accept();
   if (services_.delegate) services_.delegate->windowWillClose();
-}
-
-void CVMainWindowController::resizeEvent(QResizeEvent* event) {
-  QMainWindow::resizeEvent(event);
-  layout_->dropZoneImageView->setGeometry(layout_->dragView->rect());
 }

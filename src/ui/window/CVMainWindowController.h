@@ -88,12 +88,12 @@ class CVMainWindowController : public QMainWindow, public CVMainWindow {
 
  protected:
   void closeEvent(QCloseEvent* event) override;
-  void resizeEvent(QResizeEvent* event) override;
 
  private:
   void connectControls();
   void nameControls();
   void setTextFonts();
+  void orderFocus();
   void showTheme(const ui::Theme& theme);
   QIcon imageForAddButton() const;
   QString themedIconName(const QString& glyph, bool active) const;

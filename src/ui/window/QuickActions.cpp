@@ -56,4 +56,8 @@ void QuickActions::makeItems(const QStringList& identifiers,
   show();
 }
 
+bool QuickActions::hasItems() const {
+  return layout()->count() > 0;
+}
+
 }  // namespace ui

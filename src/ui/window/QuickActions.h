@@ -16,6 +16,7 @@ class QuickActions : public QWidget {
   /// One button for each identifier that there is an item for; others get none.
   void makeItems(const QStringList& identifiers,
                  std::function<void(const QString& identifier)> action);
+  bool hasItems() const;
 };
 
 }  // namespace ui
