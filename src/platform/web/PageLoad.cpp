@@ -31,6 +31,7 @@ void PageLoad::on(Session& session, const char* method,
 void PageLoad::begin() {
   on(session_, "Page.frameAttached", &PageLoad::handleFrameAttached);
   on(session_, "Page.frameDetached", &PageLoad::handleFrameDetached);
+  on(session_, "Page.navigatedWithinDocument", &PageLoad::handleNavigatedWithin);
   on(session_, "Page.frameStartedLoading", &PageLoad::handleStartedLoading);
   on(session_, "Page.frameStoppedLoading", &PageLoad::handleStoppedLoading);
   observeChild(session_);
@@ -60,6 +61,7 @@ void PageLoad::load(const PageRequest& request) {
   ++generation_;
   active_ = true;
   committed_ = false;
+  reloadsAtFragment_ = false;
   request_ = request;
   provisional_.reset();
   answerTimer_.reset();
@@ -109,9 +111,7 @@ void PageLoad::handleNavigateReply(const Result<QJsonObject>& reply) {
   const QString loader = (*reply)[u"loaderId"].toString();
   const QString errorText = (*reply)[u"errorText"].toString();
   if (errorText.isEmpty()) {
-    // Only the fragment differs from the address shown: the browser scrolls, but a load was asked
-    // for.
-    if (loader.isEmpty()) session_.send(u"Page.reload"_s, {});
+    if (loader.isEmpty()) reloadAtFragment();
     return;
   }
   // The page itself has gone on to another address meanwhile.
@@ -121,6 +121,20 @@ void PageLoad::handleNavigateReply(const Result<QJsonObject>& reply) {
   if (isDownload) failed.kind = FailedRequest::Kind::Download;
   if (provisional_) failed.response = provisional_->response;
   failWith(describeFailure(failed));
+}
+
+/// Only the fragment differs from the address shown: the browser just scrolls, but a load was asked
+/// for. A reload before it has scrolled would go to the address without the fragment.
+void PageLoad::reloadAtFragment() {
+  reloadsAtFragment_ = document_.url != request_.url;
+  if (!reloadsAtFragment_) session_.send(u"Page.reload"_s, {});
+}
+
+/// The page shows another address without another document: a fragment, or a script's history.
+void PageLoad::handleNavigatedWithin(const QJsonObject& event) {
+  if (!frames_.isMain(event[u"frameId"].toString())) return;
+  document_.url = shownURL(QUrl(event[u"url"].toString()));
+  if (std::exchange(reloadsAtFragment_, false)) session_.send(u"Page.reload"_s, {});
 }
 
 void PageLoad::handleRequest(const QJsonObject& event) {
@@ -349,6 +363,7 @@ void PageLoad::endLoad() {
   if (active_) endedLoader_ = provisional_ ? provisional_->loader : document_.loader;
   active_ = false;
   awaitingReply_ = false;
+  reloadsAtFragment_ = false;
   waitingURL_.reset();
   provisional_.reset();
   answerTimer_.reset();

@@ -76,9 +76,11 @@ class PageLoad {
   void handleLifecycle(const QJsonObject& event);
   void handleStartedLoading(const QJsonObject& event);
   void handleStoppedLoading(const QJsonObject& event);
+  void handleNavigatedWithin(const QJsonObject& event);
   void handleNavigateReply(const Result<QJsonObject>& reply);
 
   void navigate(const QUrl& url);
+  void reloadAtFragment();
   void beginProvisional(const QString& loader, const QUrl& url);
   void commit(const QJsonObject& frame);
   void finish();
@@ -107,6 +109,8 @@ class PageLoad {
   /// A load is under way: neither finished, failed nor stopped.
   bool active_ = false;
   bool ready_ = false;
+  /// A reload follows as soon as the browser has scrolled.
+  bool reloadsAtFragment_ = false;
   /// Where to go as soon as the page is ready.
   std::optional<QUrl> waitingURL_;
   /// The navigation that was asked for has not been answered.

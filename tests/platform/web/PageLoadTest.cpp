@@ -189,6 +189,9 @@ TEST_F(PageLoadTest, AnAddressWithAFragmentLoadsAnew) {
   load({url});
   EXPECT_EQ(server.requests(), QStringList({u"/"_s, u"/"_s}));
   EXPECT_EQ(page->currentURL(), url);
+  // An address that a script puts there counts too.
+  EXPECT_TRUE(evaluate(u"history.pushState({}, '', '/pushed')"_s));
+  EXPECT_TRUE(support::waitFor([&] { return page->currentURL() == server.url(u"/pushed"_s); }));
 }
 
 TEST_F(PageLoadTest, LocalFilesLoadOnlyWhereTheyAreAllowed) {
