@@ -60,18 +60,14 @@ LinkArea linkFrom(const QJsonObject& link) {
   return area;
 }
 
-std::vector<RowInterval> merged(std::vector<RowInterval> rows) {
+/// The words of one line are one interval.
+std::vector<RowInterval> sorted(std::vector<RowInterval> rows) {
+  const auto key = [](const RowInterval& row) { return std::pair(row.top, row.bottom); };
   std::sort(rows.begin(), rows.end(),
-            [](const RowInterval& one, const RowInterval& other) { return one.top < other.top; });
-  std::vector<RowInterval> result;
-  for (const RowInterval& row : rows) {
-    if (!result.empty() && row.top < result.back().bottom) {
-      result.back().bottom = qMax(result.back().bottom, row.bottom);
-    } else {
-      result.push_back(row);
-    }
-  }
-  return result;
+            [key](const auto& one, const auto& other) { return key(one) < key(other); });
+  const auto same = [key](const auto& one, const auto& other) { return key(one) == key(other); };
+  rows.erase(std::unique(rows.begin(), rows.end(), same), rows.end());
+  return rows;
 }
 
 std::vector<RowInterval> rowsFrom(const QJsonArray& pictures, const std::vector<TextRun>& runs) {
@@ -83,7 +79,7 @@ std::vector<RowInterval> rowsFrom(const QJsonArray& pictures, const std::vector<
     const double gap = run.rect.height() * emptyLineEdge;
     rows.push_back({run.rect.top() + gap, run.rect.bottom() - gap});
   }
-  return merged(std::move(rows));
+  return sorted(std::move(rows));
 }
 
 Result<TextLayer> layerFrom(const QByteArray& json) {

@@ -54,7 +54,7 @@ struct TextLayer {
   std::vector<TextRun> runs;
   std::vector<LinkArea> links;
   std::vector<Heading> headings;
-  /// Sorted by top, not overlapping.
+  /// Sorted by top; lines of columns side by side overlap.
   std::vector<RowInterval> unbreakableRows;
   /// The document's language (BCP 47) where it names one.
   std::optional<QString> language;
@@ -71,9 +71,8 @@ void textLayer(const std::shared_ptr<web::Page>& page,
 void breakCandidates(const std::shared_ptr<web::Page>& page,
                      std::function<void(Result<std::vector<RowInterval>>)> callback);
 
-/// Where to end a page that begins at `top` and has room down to `bottom`: the lowest place that
-/// cuts no interval, or `bottom` when there is none in the lower half of the page. `rows` as above.
-/// Any thread.
+/// Where to end a page that begins at `top` and has room down to `bottom`: the place in its lower
+/// half that cuts the fewest intervals, and the lowest of those. `rows` as above. Any thread.
 double pageBreakBefore(const std::vector<RowInterval>& rows, double top, double bottom);
 
 }  // namespace rendering

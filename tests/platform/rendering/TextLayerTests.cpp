@@ -128,6 +128,10 @@ TEST(PageBreakTest, BreaksGoBetweenLinesUnlessThatCostsHalfAPage) {
   EXPECT_EQ(rendering::pageBreakBefore(rows, 20, 31), 31) << "a break that helps is too far up";
   EXPECT_EQ(rendering::pageBreakBefore(rows, 110, 350), 350) << "higher than half a page";
   EXPECT_EQ(rendering::pageBreakBefore({}, 0, 50), 50);
+  // Two columns whose lines do not meet: no row is free, one line is better cut than two.
+  const std::vector<RowInterval> columns{{40, 60}, {50, 70}, {62, 82},
+                                         {74, 94}, {78, 98}, {86, 106}};
+  EXPECT_EQ(rendering::pageBreakBefore(columns, 0, 90), 74);
 }
 
 }  // namespace
