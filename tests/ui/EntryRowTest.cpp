@@ -12,6 +12,7 @@
 #include "support/Wait.h"
 #include "ui/controls/CVProgressIndicator.h"
 #include "ui/controls/CVScaleToFillImageView.h"
+#include "ui/look/Theme.h"
 #include "ui/queue/AddressButton.h"
 #include "ui/queue/EntryRowView.h"
 
@@ -63,20 +64,27 @@ TEST_F(EntryRow, showsEachStateInWordsPictureAndActions) {
     QString text;
     bool spinner, actions, reveal, address;
     std::optional<bool> editable;
+    bool dimmed;
   } const cases[] = {
-      {CVEntryStateWaiting, false, u"Waiting to download..."_s, true, false, false, false, {}},
-      {CVEntryStateDownloading, false, u"Downloading..."_s, true, false, false, false, {}},
-      {CVEntryStateDownloaded, false, u"Ready to process..."_s, false, true, false, true, true},
-      {CVEntryStateProcessing, false, u"Processing..."_s, true, false, false, false, false},
-      {CVEntryStateDone, false, u"Done..."_s, false, true, true, true, true},
-      {CVEntryStateDone, true, u"Error capturing..."_s, false, true, false, true, true},
-      {CVEntryStateDownloaded, true, u"Error downloading URL..."_s, false, true, false, true, true},
+      {CVEntryStateWaiting, false, u"Waiting to download..."_s, true, false, false, false,
+       std::nullopt, false},
+      {CVEntryStateDownloading, false, u"Downloading..."_s, true, false, false, false, std::nullopt,
+       true},
+      {CVEntryStateDownloaded, false, u"Ready to process..."_s, false, true, false, true, true,
+       false},
+      {CVEntryStateProcessing, false, u"Processing..."_s, true, false, false, false, false, true},
+      {CVEntryStateDone, false, u"Done..."_s, false, true, true, true, true, true},
+      {CVEntryStateDone, true, u"Error capturing..."_s, false, true, false, true, true, true},
+      {CVEntryStateDownloaded, true, u"Error downloading URL..."_s, false, true, false, true, true,
+       false},
   };
   for (const auto& look : cases) {
     SCOPED_TRACE(look.text.toStdString());
     entry->setError(nullptr);
     look.failed ? fail(look.state) : setState(look.state);
     EXPECT_EQ(stateText(), look.text);
+    const QColor ink = part<QLabel>("stateLabel").palette().color(QPalette::WindowText);
+    EXPECT_EQ(ink, look.dimmed ? ui::Theme::light().secondaryText : ui::Theme::light().text);
     EXPECT_EQ(shown("thumbnailProgressIndicator"), look.spinner);
     EXPECT_EQ(part<CVProgressIndicator>("thumbnailProgressIndicator").indeterminate(),
               look.spinner);

@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <QAbstractButton>
 #include <QApplication>
+#include <QLineEdit>
 #include <QMimeData>
 #include <QScrollBar>
 #include <QTest>
@@ -188,15 +190,37 @@ TEST_F(EntryTable, aSuccessfulPageLeavesIfTheUserWantsAndAFailedOneStays) {
 TEST_F(EntryTable, onlyRowsInSightHaveWidgetsAndTheFocusedOneIsKept) {
   addPages(200);
   view->layoutRows();
-  EXPECT_LE(view->findChildren<ui::EntryRowView*>().size(), 8);
+  const auto widgets = [this] { return view->findChildren<ui::EntryRowView*>().size(); };
+  EXPECT_LE(widgets(), 8);
   auto* first = static_cast<ui::EntryRowView*>(program.table->tableViewViewForRow(0));
   program.window->activateWindow();
   first->setFocus();
   view->verticalScrollBar()->setValue(view->verticalScrollBar()->maximum());
   Program::settle();
-  EXPECT_LE(view->findChildren<ui::EntryRowView*>().size(), 9);
+  EXPECT_LE(widgets(), 8 + 12) << "those in sight and the spare ones";
   EXPECT_EQ(program.table->tableViewViewForRow(0), first);
   EXPECT_LT(first->y(), -130 * 100) << "out of sight, at its own place";
+}
+
+TEST_F(EntryTable, aWidgetThatIsUsedAgainShowsAndServesItsNewRow) {
+  std::vector<std::shared_ptr<test::Entry>> pages;
+  for (int page = 0; page < 60; ++page) {
+    pages.push_back(program.add(CVEntryStateDownloading, QString::number(page)));
+  }
+  for (const auto& page : pages)
+    page->setState(CVEntryStateDownloaded);
+  Program::settle();
+  for (const int row : {50, 3, 59, 20}) {
+    view->verticalScrollBar()->setValue(row * 130);
+    view->layoutRows();
+    QWidget* widget = program.table->tableViewViewForRow(row);
+    EXPECT_EQ(test::child<QLineEdit>(*widget, "titleTextField").text(), QString::number(row));
+    test::child<QAbstractButton>(*widget, "adjustButton").click();
+  }
+  for (int page = 0; page < 60; ++page) {
+    const bool pressed = page == 50 || page == 3 || page == 59 || page == 20;
+    EXPECT_EQ(pages[std::size_t(page)]->adjusted, pressed ? 1 : 0) << page;
+  }
 }
 
 TEST_F(EntryTable, theKeyboardGoesThroughTheRowsAndStaysWhenOneIsRemoved) {

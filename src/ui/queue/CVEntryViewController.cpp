@@ -28,6 +28,32 @@ const QImage& errorPicture() {
   return image;
 }
 
+/// Views of rows that went out of sight, ready for rows that come into it: making a view takes
+/// milliseconds, and scrolling asks for many. They still belong to their table.
+constexpr qsizetype mostSpareViews = 12;
+
+QList<QPointer<ui::EntryRowView>>& spareViews() {
+  static QList<QPointer<ui::EntryRowView>> views;
+  return views;
+}
+
+ui::EntryRowView* takeView() {
+  while (!spareViews().isEmpty()) {
+    if (auto* view = spareViews().takeLast().data()) return view;
+  }
+  return new ui::EntryRowView;
+}
+
+void giveBack(ui::EntryRowView& view) {
+  view.hide();
+  view.prepareForReuse();
+  if (spareViews().size() < mostSpareViews) {
+    spareViews().append(&view);
+  } else {
+    view.deleteLater();
+  }
+}
+
 void enqueueForPreparing(const std::shared_ptr<CVEntry>& entry) {
   if (auto tasks = CVObjectRepository::singleton().getEntryTaskManager()) {
     tasks->enqueueEntryForPreparing(entry, {});
@@ -77,7 +103,7 @@ QWidget* CVEntryViewController::view() {
 /// What is shown is what the last rendering found: a row that scrolls into sight is no new outcome
 /// to notify the user of.
 void CVEntryViewController::loadView() {
-  view_ = new ui::EntryRowView;
+  view_ = takeView();
   updateTheme();
   connectActions();
   showInView();
@@ -86,30 +112,31 @@ void CVEntryViewController::loadView() {
 
 void CVEntryViewController::connectActions() {
   using View = ui::EntryRowView;
-  // The view may outlive the row for a moment, and an action may take the row out of its table.
-  const auto action = [weak = weak_from_this()](void (CVEntryViewController::*act)()) {
-    return [weak, act] {
+  // The view may outlive the row, and an action may take the row out of its table.
+  const auto connect = [this](void (View::*signal)(), void (CVEntryViewController::*act)()) {
+    connections_ += QObject::connect(view_, signal, view_, [weak = weak_from_this(), act] {
       if (const auto self = weak.lock()) ((*self).*act)();
-    };
+    });
   };
-  QObject::connect(view_, &View::processRequested, view_,
-                   action(&CVEntryViewController::onProcess));
-  QObject::connect(view_, &View::removeRequested, view_, action(&CVEntryViewController::onRemove));
-  QObject::connect(view_, &View::revealRequested, view_, action(&CVEntryViewController::onReveal));
-  QObject::connect(view_, &View::adjustRequested, view_,
-                   action(&CVEntryViewController::onDisplayMiniBrowser));
-  QObject::connect(view_, &View::upRequested, view_, action(&CVEntryViewController::onUp));
-  QObject::connect(view_, &View::downRequested, view_, action(&CVEntryViewController::onDown));
-  QObject::connect(view_, &View::titleEdited, view_,
-                   [weak = weak_from_this()](const QString& title) {
-                     if (const auto self = weak.lock()) self->onTitleEditingEnded(title);
-                   });
+  connect(&View::processRequested, &CVEntryViewController::onProcess);
+  connect(&View::removeRequested, &CVEntryViewController::onRemove);
+  connect(&View::revealRequested, &CVEntryViewController::onReveal);
+  connect(&View::adjustRequested, &CVEntryViewController::onDisplayMiniBrowser);
+  connect(&View::upRequested, &CVEntryViewController::onUp);
+  connect(&View::downRequested, &CVEntryViewController::onDown);
+  connections_ += QObject::connect(view_, &View::titleEdited, view_,
+                                   [weak = weak_from_this()](const QString& title) {
+                                     if (const auto self = weak.lock())
+                                       self->onTitleEditingEnded(title);
+                                   });
 }
 
 void CVEntryViewController::unloadView() {
   if (!view_) return;
-  view_->hide();
-  view_->deleteLater();
+  for (const QMetaObject::Connection& connection : connections_)
+    QObject::disconnect(connection);
+  connections_.clear();
+  giveBack(*view_);
   view_ = nullptr;
 }
 

@@ -102,6 +102,7 @@ class CVEntryViewController : public CVEntryDelegate,
   std::shared_ptr<CVEntry> entry_;
   std::weak_ptr<CVEntryViewControllerDelegate> delegate_;
   QPointer<ui::EntryRowView> view_;
+  QList<QMetaObject::Connection> connections_;
 
   /// What the view shows, or would.
   ui::EntryAppearance shown_;

@@ -13,6 +13,7 @@ EntryAppearance working(const QString& text, StateShape shape) {
   look.stateText = text;
   look.shape = shape;
   look.thumbnail = Thumbnail::Placeholder;
+  look.dimmed = shape == StateShape::Downloading;
   look.rearmsNotification = true;
   return look;
 }
@@ -41,6 +42,7 @@ EntryAppearance downloaded(const CVEntry& entry, bool failed) {
 EntryAppearance processing() {
   EntryAppearance look;
   look.stateText = u"Processing..."_s;
+  look.dimmed = true;
   look.shape = StateShape::Processing;
   look.thumbnail = Thumbnail::Representative;
   look.titleEditable = false;
@@ -51,6 +53,7 @@ EntryAppearance done(const CVEntry& entry, bool failed) {
   EntryAppearance look =
       failed ? atRest(u"Error capturing..."_s, StateShape::Failed, Thumbnail::Unchanged)
              : atRest(u"Done..."_s, StateShape::Done, Thumbnail::Representative);
+  look.dimmed = true;
   look.revealShown = !failed && entry.canBeRevealed();
   look.outcome = failed ? Outcome::Failed : Outcome::Captured;
   return look;

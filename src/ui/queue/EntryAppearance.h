@@ -19,6 +19,8 @@ struct EntryAppearance {
   /// None hides the address.
   std::optional<QString> address;
   QString stateText;
+  /// The state's word stands back.
+  bool dimmed = false;
   StateShape shape = StateShape::Waiting;
   Thumbnail thumbnail = Thumbnail::Unchanged;
   bool spinning = false;

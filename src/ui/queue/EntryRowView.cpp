@@ -146,8 +146,7 @@ void EntryRowView::showState() {
   const QColor colour = theme.*sign.colour;
   layout_->stateLabel->setText(appearance_.stateText);
   QPalette palette = layout_->stateLabel->palette();
-  const bool plain = appearance_.shape == StateShape::Ready;
-  palette.setColor(QPalette::WindowText, plain ? theme.text : colour);
+  palette.setColor(QPalette::WindowText, appearance_.dimmed ? theme.secondaryText : theme.text);
   layout_->stateLabel->setPalette(palette);
   layout_->stateIcon->setPixmap(
       glyphIcon(QString::fromUtf16(sign.glyph), colour)
@@ -165,9 +164,11 @@ void EntryRowView::setSpinning(bool spinning) {
   appearance_.spinning = spinning;
 }
 
-/// A spinner that nobody sees does not turn.
+/// A spinner that nobody sees does not turn. A style sheet takes a widget's own colours away when
+/// it comes into its window.
 void EntryRowView::showEvent(QShowEvent* event) {
   QWidget::showEvent(event);
+  showState();
   layout_->thumbnailProgressIndicator->setIndeterminate(appearance_.spinning);
 }
 
@@ -188,6 +189,12 @@ void EntryRowView::updateTheme() {
   setIcons(*layout_->downButton, u"down"_s);
   showState();
   update();
+}
+
+void EntryRowView::prepareForReuse() {
+  layout_->titleTextField->setModified(false);
+  setSpinning(false);
+  hovered_ = false;
 }
 
 bool EntryRowView::holdsFocus() const {

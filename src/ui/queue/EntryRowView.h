@@ -31,6 +31,9 @@ class EntryRowView : public QWidget {
   void setMovable(bool up, bool down);
   void updateTheme();
 
+  /// Forgets what a user did in it.
+  void prepareForReuse();
+
   /// Whether the keyboard is in the row; such a row is kept while it is out of sight.
   bool holdsFocus() const;
 
