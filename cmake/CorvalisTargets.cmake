@@ -6,7 +6,7 @@
 #
 # QT_META runs moc and uic. A library's LINKS are its walls: a folder can include only what the
 # libraries it links offer, and tests/layers checks the includes themselves.
-# ENGINE marks a test that starts the page engine: it gets the resolver rule that keeps every page off
+# ENGINE marks a test that starts the page engine. Every test has the resolver rule that keeps pages off
 # the network.
 
 set(CMAKE_CXX_STANDARD 20)
@@ -43,10 +43,9 @@ function(corvalis_test name)
     set_target_properties(${name} PROPERTIES AUTOMOC ON)
   endif()
   add_test(NAME ${name} COMMAND ${name})
-  set(environment QT_QPA_PLATFORM=offscreen)
+  set(environment QT_QPA_PLATFORM=offscreen
+    "CORVALIS_ENGINE_ARGS=--host-resolver-rules='MAP * ~NOTFOUND, EXCLUDE localhost, EXCLUDE 127.0.0.1'")
   if(arg_ENGINE)
-    list(APPEND environment
-      "CORVALIS_ENGINE_ARGS=--host-resolver-rules='MAP * ~NOTFOUND, EXCLUDE localhost, EXCLUDE 127.0.0.1'")
     set_tests_properties(${name} PROPERTIES LABELS engine)
   endif()
   set_tests_properties(${name} PROPERTIES ENVIRONMENT "${environment}")

@@ -3,6 +3,7 @@
 #include "capture/CVPrintImageView.h"
 #include "capture/CVURLEntry.h"
 #include "capture/CaptureError.h"
+#include "capture/LowDocument.h"
 #include "capture/MainQueueWait.h"
 #include "capture/PictureFile.h"
 #include "capture/PictureText.h"
@@ -15,9 +16,6 @@
 using namespace Qt::StringLiterals;
 
 namespace {
-
-/// A document whose boxes report almost no height still gets a usable canvas.
-constexpr rendering::LowDocumentRule lowDocument{100, 1000};
 
 /// The kind of file that the intermediate picture becomes. A PDF takes it in strips, at any height.
 imaging::BitmapFileType finalType(const CVPreferences& preferences) {
@@ -56,7 +54,12 @@ MaybeError CVURLEntry::settlePage() {
   const auto engine = page();
   if (!engine) return capture::makeError(capture::NotLoaded, u"The page is not loaded."_s);
   return waitForMainQueue<MaybeError>(
-      [engine](auto answer) { rendering::settle(engine, {}, answer); }, capture::interrupted());
+      [engine](auto answer) {
+        // A page that refreshes itself must not swap its document in the middle of a conversion.
+        engine->holdDocument();
+        rendering::settle(engine, {}, answer);
+      },
+      capture::interrupted());
 }
 
 Result<PagePicture> CVURLEntry::picturePage(const CVPreferences& preferences, const QUrl& target) {

@@ -1,5 +1,6 @@
 #include "capture/CVURLEntry.h"
 #include "capture/CapturedSource.h"
+#include "capture/LowDocument.h"
 #include "delivery/CVUtils.h"
 #include "platform/rendering/CapturePicture.h"
 #include "platform/rendering/DocumentSize.h"
@@ -22,10 +23,6 @@ constexpr auto loadTimeout = 120s;
 
 /// The first release whose modern view can picture itself.
 constexpr std::int64_t firstMinorVersionWithSnapshots = 13;
-
-/// A document whose boxes report less than `below` points of height is pictured at `height`.
-constexpr double lowestDocument = 100;
-constexpr double heightOfLowDocument = 1000;
 
 }  // namespace
 
@@ -176,7 +173,7 @@ void CVURLEntry::realHeightFromWebView(std::function<void(QRectF)> completion) {
   rendering::documentSize(webView_->page(),
                           [completion = std::move(completion)](const Result<QSizeF>& size) {
                             QSizeF real = size.value_or(QSizeF(0, 0));
-                            if (real.height() < lowestDocument) real.setHeight(heightOfLowDocument);
+                            real.setHeight(lowDocument.heightFor(real.height()));
                             completion(QRectF(QPointF(0, 0), real));
                           });
 }

@@ -6,6 +6,7 @@
 #include "capture/CVURLEntry.h"
 #include "capture/CVWebDocumentView.h"
 #include "capture/CaptureError.h"
+#include "capture/LowDocument.h"
 #include "capture/MainQueueWait.h"
 #include "delivery/CVUtils.h"
 #include "platform/pdf/DocumentFacts.h"
@@ -103,10 +104,11 @@ MaybeError CVURLEntry::runPrintOperation(const std::shared_ptr<printing::Printab
 
 MaybeError CVURLEntry::printTallTo(const QUrl& target) {
   using Printed = Result<rendering::PrintedDocument>;
-  const Printed printed =
-      waitForMainQueue<Printed>([engine = page(), path = target.toLocalFile()](
-                                    auto answer) { rendering::printTall(engine, path, answer); },
-                                tl::unexpected(capture::interrupted()));
+  const Printed printed = waitForMainQueue<Printed>(
+      [engine = page(), path = target.toLocalFile()](auto answer) {
+        rendering::printTall(engine, lowDocument, path, answer);
+      },
+      tl::unexpected(capture::interrupted()));
   if (!printed) return printed.error();
   std::lock_guard lock(resultMutex_);
   conversionFacts_ = CVConversionFacts{printed->pageSize, printed->pages};

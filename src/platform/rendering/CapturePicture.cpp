@@ -77,8 +77,7 @@ void DocumentPicture::start(std::shared_ptr<PictureReceiver> receiver) {
 }
 
 QSizeF DocumentPicture::pictured(QSizeF document) const {
-  const bool low = document.height() < options_.lowDocument.below;
-  return {document.width(), qMax(1.0, low ? options_.lowDocument.height : document.height())};
+  return {document.width(), qMax(1.0, options_.lowDocument.heightFor(document.height()))};
 }
 
 void DocumentPicture::begin(QSizeF size) {

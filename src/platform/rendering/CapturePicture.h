@@ -7,6 +7,7 @@
 #include <memory>
 
 #include "platform/base/Error.h"
+#include "platform/rendering/LowDocumentRule.h"
 #include "platform/rendering/PictureReceiver.h"
 
 namespace web {
@@ -20,13 +21,6 @@ enum class PictureArea {
   WholeDocument,
   /// What the viewport shows, as it is scrolled.
   Viewport
-};
-
-/// The height that a very low document is pictured at: a document below `below` becomes `height`
-/// high.
-struct LowDocumentRule {
-  double below = 0;
-  double height = 0;
 };
 
 struct PictureOptions {

@@ -107,7 +107,8 @@ void PrintJob::end(Result<PrintedDocument> result) {
 
 class TallPrint : public PrintJob {
  public:
-  using PrintJob::PrintJob;
+  TallPrint(LowDocumentRule lowDocument, QString path, Callback callback)
+      : PrintJob(std::move(path), std::move(callback)), lowDocument_(lowDocument) {}
 
  protected:
   void print() override { printHigher(heightCorrections[attempt_]); }
@@ -116,12 +117,14 @@ class TallPrint : public PrintJob {
  private:
   void printHigher(double rows);
 
+  const LowDocumentRule lowDocument_;
   size_t attempt_ = 0;
 };
 
 void TallPrint::printHigher(double rows) {
   const QSizeF document = layout().document;
-  printOn({{document.width(), qMax(1.0, document.height()) + rows}, {}, onePixelPerPoint});
+  const double height = qMax(1.0, lowDocument_.heightFor(document.height()));
+  printOn({{document.width(), height + rows}, {}, onePixelPerPoint});
 }
 
 void TallPrint::printed(const PrintRun& run) {
@@ -162,9 +165,9 @@ bool leavesRoom(const PageSetup& setup) {
 
 }  // namespace
 
-void printTall(const std::shared_ptr<web::Page>& page, const QString& path,
-               std::function<void(Result<PrintedDocument>)> callback) {
-  std::make_shared<TallPrint>(path, std::move(callback))->start(page, FlatPages::One);
+void printTall(const std::shared_ptr<web::Page>& page, const LowDocumentRule& lowDocument,
+               const QString& path, std::function<void(Result<PrintedDocument>)> callback) {
+  std::make_shared<TallPrint>(lowDocument, path, std::move(callback))->start(page, FlatPages::One);
 }
 
 void printPaginated(const std::shared_ptr<web::Page>& page, const PageSetup& setup,

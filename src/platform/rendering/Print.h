@@ -7,6 +7,7 @@
 #include <memory>
 
 #include "platform/base/Error.h"
+#include "platform/rendering/LowDocumentRule.h"
 
 namespace web {
 class Page;
@@ -31,8 +32,8 @@ struct PageSetup {
 /// not apply, and lengths in viewport units keep their pixels of the screen layout. The file
 /// appears whole or not at all; an existing one is replaced. A document higher than the engine can
 /// print is an error that names the limit.
-void printTall(const std::shared_ptr<web::Page>& page, const QString& path,
-               std::function<void(Result<PrintedDocument>)> callback);
+void printTall(const std::shared_ptr<web::Page>& page, const LowDocumentRule& lowDocument,
+               const QString& path, std::function<void(Result<PrintedDocument>)> callback);
 
 /// Prints the document on pages of the given set-up: the page keeps the layout of its own width and
 /// is scaled to the printable width. Otherwise like `printTall`; the author's page breaks do apply.

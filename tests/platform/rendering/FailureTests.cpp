@@ -48,7 +48,7 @@ TEST_F(FailureTest, AClosedPageEndsItsOperationsWithAnError) {
   const auto expectError = [&errors](const auto& result) { errors += !result; };
   rendering::capturePicture(page, {}, std::make_shared<Failing>(1000), expectError);
   rendering::textLayer(page, expectError);
-  rendering::printTall(page, folder.filePath(u"x.pdf"_s), expectError);
+  rendering::printTall(page, {}, folder.filePath(u"x.pdf"_s), expectError);
   rendering::viewportPicture(page, expectError);
   rendering::documentSize(page, expectError);
   rendering::settle(page, {}, [&errors](const MaybeError& error) { errors += error.has_value(); });

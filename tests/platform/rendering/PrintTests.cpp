@@ -248,7 +248,7 @@ TEST_F(PrintTest, AFileThatCannotBeWrittenIsAnErrorAndLeavesNothing) {
   openMarkup(u"<!DOCTYPE html><p>text"_s);
   const QString missing = folder.filePath(u"missing/file.pdf"_s);
   const auto result = await<Result<rendering::PrintedDocument>>(
-      [&](auto done) { rendering::printTall(page, missing, done); });
+      [&](auto done) { rendering::printTall(page, {}, missing, done); });
   ASSERT_FALSE(result);
   EXPECT_TRUE(result.error().localizedDescription.contains(missing));
   const auto narrow = await<Result<rendering::PrintedDocument>>([&](auto done) {

@@ -95,7 +95,7 @@ QJsonValue RenderingTest::evaluate(const QString& script) {
 QString RenderingTest::printTall() {
   const QString path = folder.filePath(u"tall.pdf"_s);
   const auto result = await<Result<rendering::PrintedDocument>>(
-      [&](auto done) { rendering::printTall(page, path, done); });
+      [&](auto done) { rendering::printTall(page, {}, path, done); });
   EXPECT_TRUE(result) << result.error().localizedDescription.toStdString();
   if (!result) return {};
   printed = *result;

@@ -11,11 +11,15 @@ namespace {
 /// Fine enough that rounding to dots cannot be seen in a measure.
 constexpr int dotsPerInch = 1200;
 constexpr double widestLine = 1e9;
+/// Dots; the least that Qt does not round to nothing (it counts in 64ths).
+constexpr double ligaturesOff = 1.0 / 64;
 
 QFont deviceFont(const Font& font) {
   QFont deviceFont = font.name.isEmpty() ? QFont() : QFont(font.name);
   deviceFont.setPointSizeF(font.pointSize);
   deviceFont.setHintingPreference(QFont::PreferNoHinting);
+  // Any spacing keeps ligatures out, which readers would copy as one character: "\ufb01le:///".
+  deviceFont.setLetterSpacing(QFont::AbsoluteSpacing, ligaturesOff);
   return deviceFont;
 }
 
