@@ -29,6 +29,17 @@ std::optional<QString> textOf(const Result<QString>& result) {
   return result ? std::optional(*result) : std::nullopt;
 }
 
+Result<PageTexts> captureFrontTab(DevToolsConnection& browser) {
+  const auto tab = findFrontTab(browser);
+  if (!tab) return tl::unexpected(tab.error());
+  const auto document = runInTab(browser, tab->target, documentProgram());
+  if (!document)
+    return browserFailure(NoPage, u"The page in Chrome could not be read: %1"_s.arg(
+                                      document.error().localizedDescription));
+  return PageTexts{*document, textOf(runInTab(browser, tab->target, stylesProgram())),
+                   textOf(runInTab(browser, tab->target, framesProgram()))};
+}
+
 }  // namespace
 
 DevToolsFrontPage::DevToolsFrontPage(std::shared_ptr<desktop::RunningApplications> applications,
@@ -43,30 +54,29 @@ bool DevToolsFrontPage::isRunning() const {
 
 PageTexts DevToolsFrontPage::capture() {
   std::lock_guard lock(conversationMutex_);
-  const auto texts = captureFrontTab();
+  const auto texts = ask<PageTexts>(Asking::Again, captureFrontTab);
   setReason(texts ? MaybeError() : MaybeError(texts.error()));
   return texts.value_or(PageTexts());
 }
 
-Result<PageTexts> DevToolsFrontPage::captureFrontTab() {
-  const auto browser = connection(Asking::Again);
-  if (!browser) return tl::unexpected(browser.error());
-  const auto tab = findFrontTab(**browser);
-  if (!tab) return tl::unexpected(tab.error());
-  const auto document = runInTab(**browser, tab->target, documentProgram());
-  if (!document)
-    return browserFailure(NoPage, u"The page in Chrome could not be read: %1"_s.arg(
-                                      document.error().localizedDescription));
-  return PageTexts{*document, textOf(runInTab(**browser, tab->target, stylesProgram())),
-                   textOf(runInTab(**browser, tab->target, framesProgram()))};
-}
-
 std::optional<QString> DevToolsFrontPage::address() {
   std::lock_guard lock(conversationMutex_);
-  const auto browser = connection(Asking::NotAgain);
-  if (!browser) return std::nullopt;
-  const auto tab = findFrontTab(**browser);
+  const auto tab = ask<BrowserTab>(Asking::NotAgain, findFrontTab);
   return tab ? std::optional(tab->address) : std::nullopt;
+}
+
+/// A connection that turns out to have ended, with a browser that was started anew, is made again
+/// once.
+template <class Value>
+Result<Value> DevToolsFrontPage::ask(Asking asking,
+                                     Result<Value> (*question)(DevToolsConnection&)) {
+  for (const bool isFirst : {true, false}) {
+    const auto browser = connection(asking);
+    if (!browser) return tl::unexpected(browser.error());
+    auto answer = question(**browser);
+    if (answer || (*browser)->isOpen() || !isFirst) return answer;
+  }
+  return closedDoor();
 }
 
 std::optional<QString> DevToolsFrontPage::unavailableReason() const {
@@ -80,12 +90,12 @@ void DevToolsFrontPage::setReason(const MaybeError& error) {
 }
 
 Result<std::shared_ptr<DevToolsConnection>> DevToolsFrontPage::connection(Asking asking) {
-  if (connection_ && connection_->isOpen()) return connection_;
-  connection_.reset();
   Result<std::shared_ptr<DevToolsConnection>> outcome = closedDoor();
   for (const QString& folder : profileFoldersInUse()) {
     const auto endpoint = readEndpoint(folder);
     if (!endpoint) continue;
+    if (connection_ && connection_->isOpen() && connection_->endpoint() == *endpoint)
+      return connection_;
     outcome = connectTo(*endpoint, asking);
     if (outcome) break;
   }

@@ -40,7 +40,8 @@ class DevToolsFrontPage : public FrontPage {
   Result<std::shared_ptr<DevToolsConnection>> connection(Asking asking);
   Result<std::shared_ptr<DevToolsConnection>> connectTo(const DevToolsEndpoint& endpoint,
                                                         Asking asking);
-  Result<PageTexts> captureFrontTab();
+  template <class Value>
+  Result<Value> ask(Asking asking, Result<Value> (*question)(DevToolsConnection&));
   void setReason(const MaybeError& error);
 
   const std::shared_ptr<desktop::RunningApplications> applications_;

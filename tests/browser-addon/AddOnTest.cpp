@@ -1,0 +1,157 @@
+#include <QDir>
+#include <QFile>
+
+#include "BrowserFixture.h"
+#include "platform/browsers/AddOn.h"
+#include "platform/browsers/AddOnDoor.h"
+#include "platform/browsers/AddOnFrontPage.h"
+
+using namespace addon_test;
+using ::testing::AllOf;
+using ::testing::HasSubstr;
+using ::testing::Not;
+
+namespace {
+
+constexpr char frameText[] =
+    "<!DOCTYPE html><head><style>body { color: rgb(3, 3, 3) }</style></head><body>"
+    "Frame \"one\" &amp;lt;kept&amp;gt;<iframe src='/inner'></iframe>";
+
+class AddOnTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    QFile file(QStringLiteral(CORVALIS_SOURCE_DIR "/tests/browser-addon/fixtures/seen.html"));
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    QByteArray page = file.readAll();
+    page.replace("%1", QByteArray::number(server.url(u"/"_s).port()));
+    server.set(u"/page"_s,
+               {page, "text/html; charset=utf-8", "200 OK", "Set-Cookie: member=yes\r\n"});
+    server.set(u"/sheets/linked.css"_s, {".linked { background: url(deep.png) }", "text/css"});
+    server.setPage(u"/frame"_s, frameText);
+    server.setPage(u"/inner"_s, "<p>Innermost");
+    server.setPage(u"/stranger?src=1"_s, "<p>Of another origin");
+  }
+
+  /// Starts the browser with the add-on; the host is known to it, or not.
+  void start(bool hasHost) {
+    QDir().mkpath(Chromium::profileFolder());
+    if (hasHost) {
+      QProcess integrate;
+      integrate.start(QStringLiteral(NATIVE_HOST_PROGRAM), {u"integrate"_s});
+      ASSERT_TRUE(integrate.waitForFinished());
+      ASSERT_EQ(integrate.exitCode(), 0);
+    }
+    browser = std::make_unique<Chromium>(
+        server.url(u"/page"_s),
+        QStringList{u"--load-extension="_s + QStringLiteral(CORVALIS_SOURCE_DIR "/browser-addon")});
+    ASSERT_TRUE(browser->isReady());
+    ASSERT_TRUE(inspector.open());
+    ASSERT_TRUE(support::waitFor([&] {
+      page = inspector.target(u"page"_s, server.url(u"/page"_s).toString());
+      worker = inspector.target(u"service_worker"_s, addOnAddress());
+      return !page.isEmpty() && !worker.isEmpty();
+    }));
+    ASSERT_TRUE(inspector.waitForPage(page, u"/page"_s));
+  }
+
+  static QString addOnAddress() {
+    return u"chrome-extension://"_s + QString::fromUtf16(browsers::chromiumAddOn);
+  }
+
+  /// The toolbar button, for the tab that is shown.
+  void press() {
+    inspector.evaluate(worker,
+                       u"chrome.tabs.query({active: true}).then("
+                       "([tab]) => { chrome.action.onClicked.dispatch(tab); })"_s);
+  }
+  QString badge() {
+    return inspector
+        .evaluate(worker,
+                  u"chrome.tabs.query({}).then(async tabs => (await Promise.all(tabs.map("
+                  "tab => chrome.action.getBadgeText({tabId: tab.id})))).join(''))"_s)
+        .toString();
+  }
+
+  HttpServer server;
+  std::unique_ptr<Chromium> browser;
+  Inspector inspector;
+  QString page, worker;
+};
+
+/// The values of the merged page that say whether it is the page as it was seen.
+void expectPageAsSeen(const std::string& merged, const HttpServer& server) {
+  const std::string origin = server.url(u""_s).toString().toStdString();
+  EXPECT_THAT(merged,
+              AllOf(HasSubstr("<!DOCTYPE html>"),
+                    HasSubstr(">said by a script: &lt;/head&gt; &lt;script&gt;<"),
+                    HasSubstr("value=\"typed &quot;quoted&quot;\""), HasSubstr("checked=\"\""),
+                    HasSubstr(">\ntwo\nlines</textarea>"), HasSubstr("<option selected=\"\">two")));
+  EXPECT_THAT(merged, AllOf(HasSubstr("src=\"data:image/png;base64,"),
+                            HasSubstr("width: 40px; height: 20px"), Not(HasSubstr("<canvas"))));
+  EXPECT_THAT(merged, AllOf(HasSubstr("<template shadowrootmode=\"open\"><link rel=\"stylesheet\""),
+                            HasSubstr("font-weight%3A%20700"), HasSubstr("<b>In the shadow</b>")));
+  EXPECT_THAT(merged, AllOf(HasSubstr("margin: 7px"), HasSubstr(origin + "/pic.png"),
+                            HasSubstr(origin + "/sheets/deep.png"), Not(HasSubstr("linked.css"))));
+  EXPECT_THAT(merged, AllOf(HasSubstr("&amp;amp;lt;kept&amp;amp;gt;"), HasSubstr("Innermost"),
+                            HasSubstr("Of another origin"), HasSubstr("Given"),
+                            Not(HasSubstr("iframe src="))));
+  EXPECT_THAT(merged,
+              AllOf(Not(HasSubstr("secret")), Not(HasSubstr("onclick")),
+                    Not(HasSubstr("Content-Security-Policy")), Not(HasSubstr("no scripts"))));
+}
+
+TEST_F(AddOnTest, TheButtonHandsThePageAsSeenToTheProgram) {
+  ReceivingProgram program;
+  ASSERT_NO_FATAL_FAILURE(start(true));
+  press();
+  ASSERT_TRUE(support::waitFor([&] { return !program.opened.isEmpty(); }));
+  EXPECT_TRUE(support::waitFor([&] { return badge() == u"✓"; }));
+  EXPECT_TRUE(program.opened.first().startsWith(
+      server.url(u"/page"_s).toString().replace(u"http:"_s, u"corvxurl:"_s) + u"corvxdata::"_s));
+  expectPageAsSeen(mergedPage(program.opened.first()), server);
+
+  // The page itself is as it was.
+  EXPECT_EQ(inspector.evaluate(page, u"document.querySelectorAll('canvas, iframe').length"_s), 4);
+
+  // A page that is larger than one message.
+  inspector.evaluate(page, u"area.value = 'ü'.repeat(9 << 20); 0"_s);
+  press();
+  ASSERT_TRUE(support::waitFor([&] { return program.opened.size() == 2; }, 2min));
+  const auto large = CapturePayload::decode(program.opened.last());
+  ASSERT_TRUE(large.page);
+  EXPECT_EQ(large.page->count(u'ü'), 9 << 20);
+}
+
+TEST_F(AddOnTest, TheRunningProgramAsksForTheTabThatTheUserSees) {
+  const auto door = browsers::AddOnDoor::open();
+  ASSERT_TRUE(door);
+  ASSERT_NO_FATAL_FAILURE(start(true));
+  browsers::AddOnFrontPage front(*door);
+  ASSERT_TRUE(support::waitFor([&] { return front.isRunning(); }));
+  EXPECT_EQ(elsewhere([&] { return front.address(); }), server.url(u"/page"_s).toString());
+  const auto texts = elsewhere([&] { return front.capture(); });
+  ASSERT_TRUE(texts.document && texts.styles && texts.frames);
+  expectPageAsSeen(PageMerging::withFrames(PageMerging::withStyles(*texts.document, *texts.styles),
+                                           *texts.frames)
+                       .toStdString(),
+                   server);
+
+  inspector.call(u"Target.createTarget"_s, {{u"url"_s, u"about:blank"_s}});
+  const auto none = elsewhere([&] { return front.capture(); });
+  EXPECT_EQ(none.document, std::nullopt);
+  EXPECT_EQ(front.unavailableReason(), u"Corvalis captures web pages only."_s);
+}
+
+TEST_F(AddOnTest, WithoutTheHostTheUserIsToldHowToInstallIt) {
+  ASSERT_NO_FATAL_FAILURE(start(false));
+  // Too large for the address scheme, so that no other program is looked for.
+  inspector.evaluate(page, u"area.value = 'x'.repeat(200000); 0"_s);
+  press();
+  ASSERT_TRUE(support::waitFor([&] {
+    return !inspector.target(u"page"_s, addOnAddress() + u"/pages/install.html#too-large"_s)
+                .isEmpty();
+  }));
+  EXPECT_TRUE(support::waitFor([&] { return badge().contains(u'!'); }));
+}
+
+}  // namespace
