@@ -123,10 +123,10 @@ TEST_F(AddOnTest, TheButtonHandsThePageAsSeenToTheProgram) {
 }
 
 TEST_F(AddOnTest, TheRunningProgramAsksForTheTabThatTheUserSees) {
-  const auto door = browsers::AddOnDoor::open();
-  ASSERT_TRUE(door);
+  const auto door = browsers::AddOnDoor::create();
+  ASSERT_EQ(door->listen(), std::nullopt);
   ASSERT_NO_FATAL_FAILURE(start(true));
-  browsers::AddOnFrontPage front(*door);
+  browsers::AddOnFrontPage front(door);
   ASSERT_TRUE(support::waitFor([&] { return front.isRunning(); }));
   EXPECT_EQ(elsewhere([&] { return front.address(); }), server.url(u"/page"_s).toString());
   const auto texts = elsewhere([&] { return front.capture(); });

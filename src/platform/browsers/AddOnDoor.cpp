@@ -155,10 +155,12 @@ AddOnDoor::~AddOnDoor() {
   dispatch::mainSync([this] { server_.reset(); });
 }
 
-Result<std::shared_ptr<AddOnDoor>> AddOnDoor::open() {
-  std::shared_ptr<AddOnDoor> door(new AddOnDoor);
-  if (const auto error = door->server_->listen()) return tl::unexpected(*error);
-  return door;
+std::shared_ptr<AddOnDoor> AddOnDoor::create() {
+  return std::shared_ptr<AddOnDoor>(new AddOnDoor);
+}
+
+MaybeError AddOnDoor::listen() {
+  return server_->listen();
 }
 
 bool AddOnDoor::hasBrowser() const {

@@ -16,16 +16,20 @@ QString addOnSocketPath();
 /// The running program's door for the browsers that have our add-on: each is connected by a native
 /// host for as long as it runs. The browser that had the focus last is asked.
 ///
-/// Made and destroyed on the main thread, where it listens; asking is done on other threads.
+/// Made on the main thread, where it listens; asking is done on other threads.
 class AddOnDoor {
  public:
   enum class Question { Address, Page };
 
-  /// Replaces a socket that a crashed instance has left: the caller is the one running instance.
-  static Result<std::shared_ptr<AddOnDoor>> open();
+  /// Closed until `listen`; until then no browser is connected.
+  static std::shared_ptr<AddOnDoor> create();
   ~AddOnDoor();
   AddOnDoor(const AddOnDoor&) = delete;
   AddOnDoor& operator=(const AddOnDoor&) = delete;
+
+  /// Replaces a socket that a crashed instance has left: the caller is the one running instance.
+  /// Main thread.
+  MaybeError listen();
 
   /// Any thread.
   bool hasBrowser() const;

@@ -169,9 +169,9 @@ TEST(NativeHost, HandsOverNothingButCaptureRequests) {
 
 TEST(NativeHost, RelaysTheProgramsQuestionsAlsoWhenTheProgramStartsLater) {
   HostProcess host;
-  const auto door = AddOnDoor::open();
-  ASSERT_TRUE(door);
-  AddOnFrontPage page(*door);
+  const auto door = AddOnDoor::create();
+  ASSERT_EQ(door->listen(), std::nullopt);
+  AddOnFrontPage page(door);
   ASSERT_TRUE(support::waitFor([&] { return page.isRunning(); }));
 
   auto address = std::async(std::launch::async, [&] { return page.address(); });
@@ -199,9 +199,9 @@ TEST(NativeHost, RelaysTheProgramsQuestionsAlsoWhenTheProgramStartsLater) {
 }
 
 TEST(AddOnDoor, ABrowserThatEndsOrIsMissingIsAnAnswer) {
-  const auto door = AddOnDoor::open();
-  ASSERT_TRUE(door);
-  AddOnFrontPage page(*door);
+  const auto door = AddOnDoor::create();
+  ASSERT_EQ(door->listen(), std::nullopt);
+  AddOnFrontPage page(door);
   EXPECT_FALSE(page.isRunning());
   EXPECT_EQ(inBackground<QString>([&] {
               (void)page.capture();
