@@ -52,6 +52,10 @@ class AddOnTest : public ::testing::Test {
       return !page.isEmpty() && !worker.isEmpty();
     }));
     ASSERT_TRUE(inspector.waitForPage(page, u"/page"_s));
+    // The worker is there before its program has run.
+    ASSERT_TRUE(support::waitFor([&] {
+      return inspector.evaluate(worker, u"chrome.action.onClicked.hasListeners()"_s).toBool();
+    }));
   }
 
   static QString addOnAddress() {

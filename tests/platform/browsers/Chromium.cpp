@@ -31,7 +31,8 @@ Chromium::Chromium(const QUrl& start, const QStringList& arguments) {
 Chromium::~Chromium() {
   if (process_.processId() > 0) ::kill(static_cast<pid_t>(-process_.processId()), SIGKILL);
   process_.waitForFinished();
-  QDir(profileFolder()).removeRecursively();
+  // Its processes end one after the other, and write until they have.
+  support::waitFor([] { return QDir(profileFolder()).removeRecursively(); });
 }
 
 QString Chromium::profileFolder() {
