@@ -35,6 +35,8 @@ TEST_F(BrowserCapture, AnAddressThatABrowserShowsIsCapturedFromThere) {
   EXPECT_EQ(delegate->warnings().size(), 1);
   running->identifiers.clear();
   EXPECT_EQ(documentFor(u"https://a.example/"_s), std::nullopt);
+  chrome->connected = true;
+  EXPECT_EQ(documentFor(u"https://a.example/"_s), u"From Chrome"_s);
   EXPECT_EQ(window.snaps, 0);
 }
 

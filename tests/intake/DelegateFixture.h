@@ -175,12 +175,14 @@ class RecordingAssembler : public CVMultipageAssembler {
 /// A browser whose front page the test decides.
 class FakeFrontPage : public browsers::FrontPage {
  public:
-  bool isRunning() const override { return true; }
+  bool isRunning() const override { return connected; }
   browsers::PageTexts capture() override { return texts; }
   std::optional<QString> source() override { return loadedSource; }
   std::optional<QString> address() override { return shownAddress; }
   std::optional<QString> unavailableReason() const override { return reason; }
 
+  /// Reachable although it is not among the running applications.
+  bool connected = false;
   browsers::PageTexts texts;
   std::optional<QString> loadedSource, shownAddress, reason;
 };

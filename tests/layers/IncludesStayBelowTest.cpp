@@ -24,8 +24,9 @@ qsizetype layerOf(const QString& path) {
   return layers.indexOf(path.section(u'/', 0, 0));
 }
 
+/// A folder's "internal" belongs to it.
 QString folderOf(const QString& path) {
-  return path.section(u'/', 0, -2);
+  return path.section(u'/', 0, -2).section(u"/internal"_s, 0, 0);
 }
 
 struct Include {
@@ -61,10 +62,6 @@ TEST(Layers, NoFileIncludesALayerAboveItsOwn) {
     EXPECT_GE(layerOf(include.from), to)
         << qPrintable(include.from) << " includes " << qPrintable(include.to);
   }
-}
-
-QString folderOf(const QString& path) {
-  return path.section(u'/', 0, -2);
 }
 
 bool showsForeignTypes(const QString& header) {

@@ -1,0 +1,90 @@
+#include <gtest/gtest.h>
+
+#include "app/CaptureOptions.h"
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+Result<CaptureOptions::Parsed> parse(const QString& line) {
+  return CaptureOptions::parse(line.split(u' ', Qt::SkipEmptyParts));
+}
+
+TEST(CaptureOptions, EveryOptionArrives) {
+  const auto parsed = parse(
+      u"-o out --format jpeg --mode image --width 1280 --scale 2 --compression 0.25 --title-domain "
+      "--json --quiet a.html b.html"_s);
+  ASSERT_TRUE(parsed);
+  const CaptureOptions& options = parsed->options;
+  EXPECT_EQ(options.sources, (QStringList{u"a.html"_s, u"b.html"_s}));
+  EXPECT_EQ(options.output, u"out"_s);
+  EXPECT_EQ(options.format, u"JPEG"_s);
+  EXPECT_EQ(options.mode, u"Image"_s);
+  EXPECT_EQ(options.width, 1280U);
+  EXPECT_EQ(options.scale, 2);
+  EXPECT_EQ(options.compression, 0.25F);
+  EXPECT_TRUE(options.prependDomain);
+  EXPECT_EQ(options.report, ReportForm::JsonLines);
+  EXPECT_EQ(options.verbosity, Verbosity::Quiet);
+}
+
+TEST(CaptureOptions, PaginationArrives) {
+  const auto parsed =
+      CaptureOptions::parse({u"--paginate"_s, u"--margin"_s, u"36"_s, u"--orientation"_s,
+                             u"landscape"_s, u"--headers"_s, u"--font"_s, u"DejaVu Serif, 9.5"_s,
+                             u"--notes"_s, u"two words"_s, u"--paper"_s, u"letter"_s, u"a.html"_s});
+  ASSERT_TRUE(parsed) << qPrintable(parsed.error().localizedDescription);
+  const CaptureOptions& options = parsed->options;
+  EXPECT_TRUE(options.paginate && options.headers);
+  EXPECT_EQ(options.margin, 36U);
+  EXPECT_EQ(options.orientation, 1);
+  EXPECT_EQ(options.font, (Font{u"DejaVu Serif"_s, 9.5}));
+  EXPECT_EQ(options.notes, u"two words"_s);
+  EXPECT_EQ(options.paper, QSizeF(612, 792));
+  EXPECT_EQ(parse(u"--paginate --paper 300x500 a"_s)->options.paper, QSizeF(300, 500));
+}
+
+TEST(CaptureOptions, AFileNameTellsTheFormat) {
+  EXPECT_EQ(parse(u"-o page.tiff a.html"_s)->options.format, u"TIFF"_s);
+  EXPECT_EQ(parse(u"-o page.png --format GIF a.html"_s)->options.format, u"GIF"_s);
+  EXPECT_EQ(parse(u"-o folder a.html"_s)->options.format, u"PDF"_s);
+}
+
+TEST(CaptureOptions, WhatMakesNoSenseIsRefusedInWords) {
+  const QString lines[] = {
+      QString(),
+      u"--format WEBP a"_s,
+      u"--mode Other a"_s,
+      u"--width 0 a"_s,
+      u"--width 10.5 a"_s,
+      u"--width wide a"_s,
+      u"--scale 0 a"_s,
+      u"--scale nan a"_s,
+      u"--compression 1.1 a"_s,
+      u"--paper 10x10 a"_s,
+      u"--paper sheet a"_s,
+      u"--font Serif a"_s,
+      u"--margin -1 a"_s,
+      u"--paginate --format PNG a"_s,
+      u"--multipage m.pdf -o x a"_s,
+      u"--destination Pasteboard a"_s,
+      u"--unknown a"_s,
+      u"- -"_s,
+  };
+  for (const QString& line : lines) {
+    const auto parsed = parse(line);
+    ASSERT_FALSE(parsed) << qPrintable(line);
+    EXPECT_FALSE(parsed.error().localizedDescription.isEmpty());
+  }
+}
+
+TEST(CaptureOptions, TheHelpNamesEveryOption) {
+  ASSERT_TRUE(parse(u"--help"_s)->helpWanted);
+  for (const char* option :
+       {"--output", "--format", "--mode", "--width", "--scale", "--compression", "--title-domain",
+        "--json", "--quiet", "--verbose", "--paginate"}) {
+    EXPECT_TRUE(CaptureOptions::help().contains(QLatin1StringView(option))) << option;
+  }
+}
+
+}  // namespace
