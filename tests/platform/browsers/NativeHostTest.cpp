@@ -149,6 +149,24 @@ TEST(NativeHost, HandsARequestInPiecesToTheRunningProgram) {
   EXPECT_THAT(program.opened.value(1), u"corvxurl://example.com/late"_s);
 }
 
+TEST(NativeHost, StartsTheProgramWithARequestWhenItIsNotRunning) {
+  QTemporaryDir folder;
+  const QString record = folder.filePath(u"request"_s);
+  qputenv("RECORDED_REQUEST", record.toLocal8Bit());
+  HostProcess host;
+  // More than a pipe or a command line holds.
+  const QString request = u"corvxurl://example.com/corvxdata::"_s + QString(1 << 20, u'A');
+  host.write(piece(u"request"_s, 1, 0, 1, request));
+  EXPECT_TRUE(host.message().value(u"ok"_s).toBool());
+  QByteArray recorded;
+  EXPECT_TRUE(support::waitFor([&] {
+    QFile file(record);
+    recorded = file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    return recorded.endsWith('\n');
+  }));
+  EXPECT_TRUE(recorded == request.toUtf8() + '\n') << recorded.size();
+}
+
 TEST(NativeHost, HandsOverNothingButCaptureRequests) {
   RecordingReceiver program;
   const auto service = desktop::ApplicationService::claim(program);
