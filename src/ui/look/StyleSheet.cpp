@@ -23,6 +23,16 @@ QToolButton { border: 2px solid transparent; border-radius: 6px; padding: 2px; b
 QToolButton:hover { background: @hairline; }
 QToolButton:pressed, QToolButton:checked { background: @hairline; }
 QToolButton:focus { border-color: @accent; }
+QCheckBox { spacing: 8px; }
+QCheckBox:disabled { color: @secondary; }
+QCheckBox::indicator { width: 14px; height: 14px; border: 1px solid @secondary; border-radius: 4px; background: @surface; }
+QCheckBox::indicator:checked { border-color: @accent; background: @accent; image: url(:/corvalis/icons/pictures/@check.svg); }
+QCheckBox::indicator:focus { border: 2px solid @accent; width: 12px; height: 12px; }
+QCheckBox::indicator:disabled { border-color: @hairline; background: @window; }
+QCheckBox::indicator:checked:disabled { border-color: @hairline; background: @hairline; }
+QLineEdit[frame="true"], QPlainTextEdit { border: 1px solid @secondary; border-radius: 5px; padding: 3px 6px; background: @surface; selection-background-color: @accent; selection-color: @ground; }
+QLineEdit[frame="true"]:focus, QPlainTextEdit:focus { border: 2px solid @accent; padding: 2px 5px; }
+QLineEdit[frame="true"]:disabled, QPlainTextEdit:disabled { border-color: @hairline; color: @secondary; background: @window; }
 QScrollBar:vertical { width: 10px; background: transparent; margin: 0; border: none; }
 QScrollBar::handle:vertical { background: @secondary; border-radius: 3px; min-height: 28px; margin: 2px; }
 QScrollBar::add-line, QScrollBar::sub-line { width: 0; height: 0; }
@@ -42,6 +52,8 @@ QString styleSheet(const Theme& theme) {
       {"@ground"_L1, theme.onAccent},
       {"@secondary"_L1, theme.secondaryText},
   };
+  const bool dark = theme.appearance == Appearance::Dark;
+  text.replace("@check"_L1, dark ? "check-black"_L1 : "check-white"_L1);
   for (const auto& [name, colour] : roles)
     text.replace(name, colour.name());
   return text;

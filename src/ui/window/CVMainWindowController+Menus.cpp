@@ -46,9 +46,8 @@ void CVMainWindowController::createCaptureMenu() {
     if (services_.showMiniBrowser) services_.showMiniBrowser();
   });
   menu->addSeparator();
-  menu->addAction(tr("P&references…"), QKeySequence(u"Ctrl+,"_s), this, [this] {
-    if (services_.showPreferences) services_.showPreferences();
-  });
+  menu->addAction(tr("P&references…"), QKeySequence(u"Ctrl+,"_s), this,
+                  &CVMainWindowController::onShowPreferences);
   menu->addSeparator();
   menu->addAction(tr("Close &Window"), QKeySequence::Close, this, &QWidget::close);
   menu->addAction(tr("&Quit"), QKeySequence::Quit, this, &QWidget::close);
@@ -112,6 +111,13 @@ void CVMainWindowController::captureFromSafari() {
 
 void CVMainWindowController::captureFromChrome() {
   capture(services_.delegate, &CVAppDelegate::onCaptureFromChrome);
+}
+
+void CVMainWindowController::onShowPreferences() {
+  if (!preferencesWindow_) {
+    preferencesWindow_ = new CVPreferencesWindowController(services_.dropboxAccount, this);
+  }
+  preferencesWindow_->makeKeyAndOrderFront();
 }
 
 void CVMainWindowController::openFiles() {

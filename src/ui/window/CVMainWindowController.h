@@ -7,6 +7,7 @@
 
 #include "intake/CVMainWindow.h"
 #include "ui/popovers/Popover.h"
+#include "ui/preferences/CVPreferencesWindowController.h"
 #include "ui/window/ArrowAnimation.h"
 #include "ui/window/BatchState.h"
 
@@ -43,7 +44,7 @@ class CVMainWindowController : public QMainWindow, public CVMainWindow {
     std::shared_ptr<desktop::BrowserOpener> browser;
     /// Tells whether motion is to be reduced.
     std::shared_ptr<desktop::ColorSchemePreference> looks;
-    std::function<void()> showPreferences;
+    CVDropBoxPreferencesViewController::Account dropboxAccount;
     std::function<void()> showMiniBrowser;
   };
 
@@ -74,11 +75,13 @@ class CVMainWindowController : public QMainWindow, public CVMainWindow {
   void beginSavePanel(const QString& name, const std::optional<QUrl>& folder,
                       std::function<void(std::optional<QUrl> chosen)> completion) override;
 
+  void onShowPreferences();
   void onAdd();
   void onBatch();
   void showWarnings();
 
   const ui::BatchState& batchState() const { return batchState_; }
+  CVPreferencesWindowController* preferencesWindow() const { return preferencesWindow_; }
   ui::Popover* addPopover() const { return addPopover_; }
   ui::Popover* batchPopover() const { return batchPopover_; }
   ui::Popover* warningPopover() const { return warningPopover_; }
@@ -126,6 +129,7 @@ class CVMainWindowController : public QMainWindow, public CVMainWindow {
   std::unique_ptr<Ui::CVMainWindowController> layout_;
   ui::ArrowAnimation arrow_;
   ui::BatchState batchState_;
+  QPointer<CVPreferencesWindowController> preferencesWindow_;
   QPointer<ui::Popover> addPopover_;
   QPointer<ui::Popover> batchPopover_;
   QPointer<ui::Popover> warningPopover_;

@@ -3,6 +3,7 @@
 // window.
 
 #include <QApplication>
+#include <QDialog>
 #include <QDir>
 #include <QElapsedTimer>
 #include <QPainter>
@@ -17,6 +18,8 @@
 #include "support/Wait.h"
 #include "ui/controls/CVDragView.h"
 #include "ui/popovers/Popover.h"
+#include "ui/preferences/CVPreferencesWindowController.h"
+#include "ui/preferences/CVSaveSheet.h"
 #include "ui/queue/EntryRowView.h"
 
 using namespace Qt::StringLiterals;
@@ -169,6 +172,44 @@ void takeQueue() {
   take(u"busy"_s);
 }
 
+void takePreferences() {
+  Program program;
+  auto& settings = program.preferences();
+  settings.setTheme(theme);
+  program.window->hide();
+  program.window->onShowPreferences();
+  using Pane = CVPreferencesViewController::Pane;
+  take(u"preferences-general"_s);
+  settings.setBatchMode(true);
+  program.window->preferencesWindow()->close();
+  delete program.window->preferencesWindow();
+  program.window->onShowPreferences();
+  take(u"preferences-batch"_s);
+  auto& again = program.window->preferencesWindow()->preferencesViewController();
+  settings.setUsePagination(false);
+  settings.setFormat(u"PDF"_s);
+  again.display(Pane::Snapshot);
+  take(u"preferences-snapshot"_s);
+  settings.setFormat(u"JPEG"_s);
+  again.display(Pane::Dropbox);
+  again.display(Pane::Snapshot);
+  take(u"preferences-jpeg"_s);
+  settings.setDestination(u"Printer"_s);
+  again.display(Pane::Dropbox);
+  take(u"preferences-dropbox"_s);
+  again.display(Pane::Snapshot);
+  take(u"preferences-printer"_s);
+  program.window->preferencesWindow()->close();
+  CVSaveSheet sheet;
+  sheet.setMainWindow(program.window.get());
+  auto record = settings.copyWithZone();
+  record->setUsePagination(false);
+  sheet.beginSheet(record, u"Night trains of Europe, mapped"_s,
+                   QUrl::fromLocalFile(u"/home/user/Desktop"_s), [](const auto&) {});
+  take(u"save-sheet"_s);
+  program.window->findChild<QDialog*>()->reject();
+}
+
 void takeRightToLeft() {
   QApplication::setLayoutDirection(Qt::RightToLeft);
   Program program;
@@ -197,6 +238,7 @@ int main(int argc, char** argv) {
     takeStates();
     takeOutcomes();
     takeQueue();
+    takePreferences();
     takeRightToLeft();
   }
   dispatch::finish();
