@@ -2,6 +2,7 @@
 
 import {assembled} from './assemble.js';
 import {isWebAddress} from './request.js';
+import {joinedStyles} from './styles.js';
 
 const contentScripts = ['content/styles.js', 'content/attributes.js', 'content/pictures.js',
   'content/markup.js', 'content/capture.js'];
@@ -22,7 +23,9 @@ export async function capturedTab(tab) {
   } catch (refusal) {
     throw new Error(`The browser does not let this page be captured: ${refusal.message}`);
   }
-  const page = assembled(results.map(result => result.result).filter(piece => piece));
+  const pieces = results.map(result => result.result).filter(piece => piece);
+  await Promise.all(pieces.map(async piece => { piece.styles = await joinedStyles(piece.sheets); }));
+  const page = assembled(pieces);
   if (!page) throw new Error('This page could not be read.');
   return page;
 }

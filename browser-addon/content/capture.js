@@ -21,6 +21,6 @@
     base: document.baseURI,
     doctype: document.compatMode === 'CSS1Compat' ? '<!DOCTYPE html>\n' : '',
     parts: corvalis.markupParts(root, window),
-    styles: corvalis.stylesOf(document),
+    sheets: corvalis.sheetsOf(document),
   };
 })();

@@ -46,12 +46,21 @@ globalThis.corvalis ??= {};
       : withAbsoluteAddresses(rule.cssText, base))).join('\n');
   }
 
-  /** Of the sheets that can be read: those of the root's elements, then the adopted ones. */
-  corvalis.stylesOf = root => {
-    const sheets = [...root.styleSheets, ...(root.adoptedStyleSheets ?? [])];
-    return harmless(sheets.filter(sheet => !sheet.disabled)
-      .map(sheet => inMedia(sheet.media, sheetText(sheet) ?? '')).join('\n'));
-  };
+  /**
+   * The sheets of the root's elements, then the adopted ones: a text each, or the address of one
+   * that only the background can read.
+   */
+  corvalis.sheetsOf = root => [...root.styleSheets, ...(root.adoptedStyleSheets ?? [])]
+    .filter(sheet => !sheet.disabled)
+    .map(sheet => {
+      const text = sheetText(sheet);
+      return text === undefined
+        ? {address: sheet.href, media: sheet.media.mediaText}
+        : {text: harmless(inMedia(sheet.media, text))};
+    });
+
+  /** Of the sheets that can be read here. */
+  corvalis.stylesOf = root => corvalis.sheetsOf(root).map(sheet => sheet.text ?? '').join('\n');
 
   /** Whether the sheet of a link element is in that text, so that the element is not needed. */
   corvalis.isReadable = sheet => sheetText(sheet) !== undefined;

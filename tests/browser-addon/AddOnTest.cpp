@@ -8,6 +8,7 @@
 
 using namespace addon_test;
 using ::testing::AllOf;
+using ::testing::ContainsRegex;
 using ::testing::HasSubstr;
 using ::testing::Not;
 
@@ -27,6 +28,8 @@ class AddOnTest : public ::testing::Test {
     server.set(u"/page"_s,
                {page, "text/html; charset=utf-8", "200 OK", "Set-Cookie: member=yes\r\n"});
     server.set(u"/sheets/linked.css"_s, {".linked { background: url(deep.png) }", "text/css"});
+    server.set(u"/sheets/foreign.css"_s,
+               {".foreign { background: url( 'far.png' ) } </style>", "text/css"});
     server.setPage(u"/frame"_s, frameText);
     server.setPage(u"/inner"_s, "<p>Innermost");
     server.setPage(u"/stranger?src=1"_s, "<p>Of another origin");
@@ -96,6 +99,10 @@ void expectPageAsSeen(const std::string& merged, const HttpServer& server) {
                             HasSubstr("font-weight%3A%20700"), HasSubstr("<b>In the shadow</b>")));
   EXPECT_THAT(merged, AllOf(HasSubstr("margin: 7px"), HasSubstr(origin + "/pic.png"),
                             HasSubstr(origin + "/sheets/deep.png"), Not(HasSubstr("linked.css"))));
+  // The sheet of another origin is where it was among the others, and cannot end the element.
+  EXPECT_THAT(merged, ContainsRegex("deep.png[^@]*@media \\(min-width: 1px\\) \\{ .foreign "
+                                    "[^}]*http://localhost:[0-9]*/sheets/far.png[^}]*\\} "
+                                    "<\\\\/style> \\}[^@]*\\.last"));
   EXPECT_THAT(merged, AllOf(HasSubstr("&amp;amp;lt;kept&amp;amp;gt;"), HasSubstr("Innermost"),
                             HasSubstr("Of another origin"), HasSubstr("Given"),
                             Not(HasSubstr("iframe src="))));
