@@ -5,6 +5,7 @@
 
 #include <QCoreApplication>
 #include <QProcess>
+#include <csignal>
 #include <cstdio>
 
 #include "platform/browsers/NativeHost.h"
@@ -74,6 +75,8 @@ int runNativeHostCommand(const QStringList& arguments) {
                stderr);
     return 2;
   }
+  // A browser that has closed its end does not cut the last request short.
+  std::signal(SIGPIPE, SIG_IGN);
   int argumentCount = 1;
   char name[] = "corvalis";
   char* argumentValues[] = {name, nullptr};

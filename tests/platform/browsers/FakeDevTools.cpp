@@ -8,6 +8,7 @@ using namespace Qt::StringLiterals;
 FakeDevTools::FakeDevTools() : server_(u"fake"_s, QWebSocketServer::NonSecureMode) {
   QObject::connect(&server_, &QWebSocketServer::newConnection, &server_, [this] {
     QWebSocket* socket = server_.nextPendingConnection();
+    socket->setParent(&server_);  // it is the caller's otherwise
     ++connections_;
     sockets_ << socket;
     QObject::connect(socket, &QWebSocket::textMessageReceived, &server_,
