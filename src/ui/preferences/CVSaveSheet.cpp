@@ -125,7 +125,7 @@ void CVSaveSheet::beginSheet(const std::shared_ptr<CVPreferences>& preferences, 
   sheet->setAttribute(Qt::WA_DeleteOnClose);
   sheet->setWindowModality(Qt::WindowModal);
   sheet->setWindowTitle(QDialog::tr("Save"));
-  sheet->setMinimumWidth(480);
+  sheet->setMinimumWidth(520);
   const QUrl start = folder.value_or(QUrl::fromLocalFile(QDir::homePath()));
   auto* contents = new SheetContents(*sheet, preferences, name, start);
   QObject::connect(sheet, &QDialog::finished, sheet, [contents, completion](int result) {
