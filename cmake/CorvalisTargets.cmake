@@ -22,8 +22,10 @@ add_library(corvalis_options INTERFACE)
 target_include_directories(corvalis_options INTERFACE ${CMAKE_SOURCE_DIR}/src)
 target_compile_definitions(corvalis_options INTERFACE
   QT_NO_KEYWORDS QT_NO_FOREACH POINTERHOLDER_TRANSITION=4 CORVALIS_VERSION="${PROJECT_VERSION}")
+# g++ 12 sees uninitialized members in moved std::optional and tl::expected where there are none.
 target_compile_options(corvalis_options INTERFACE
-  -Wall -Wextra -Wpedantic -Wnon-virtual-dtor -Woverloaded-virtual -Wcast-qual -Werror)
+  -Wall -Wextra -Wpedantic -Wnon-virtual-dtor -Woverloaded-virtual -Wcast-qual -Werror
+  -Wno-maybe-uninitialized)
 
 function(corvalis_library name)
   cmake_parse_arguments(arg "QT_META" "" "SOURCES;LINKS;PRIVATE_LINKS" ${ARGN})

@@ -34,7 +34,7 @@ function timed(make) {
   const begin = process.hrtime.bigint();
   const run = spawnSync(program, args, { stdio: ['ignore', 'ignore', 'pipe'] });
   const seconds = Number(process.hrtime.bigint() - begin) / 1e9;
-  if (run.status !== 0) console.error(`${program} ended with ${run.status}: ${run.stderr}`);
+  if (run.status !== 0) throw new Error(`${program} ended with ${run.status}: ${run.stderr ?? run.error}`);
   const bytes = readdirSync(out).reduce((sum, name) => sum + statSync(join(out, name)).size, 0);
   rmSync(out, { recursive: true });
   return { seconds, bytes };

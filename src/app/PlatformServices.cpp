@@ -1,5 +1,7 @@
 #include "app/PlatformServices.h"
 
+#include "platform/browsers/AddOnDoor.h"
+#include "platform/browsers/UserBrowsers.h"
 #include "platform/desktop/FileClipboard.h"
 #include "platform/desktop/FileManager.h"
 #include "platform/desktop/MailComposer.h"
@@ -17,7 +19,7 @@ std::shared_ptr<dropbox::ClientsManager> sharedDropbox() {
 
 }  // namespace
 
-CVUtils::Services makePlatformServices() {
+CVUtils::Services makePlatformServices(std::shared_ptr<browsers::AddOnDoor> addOnDoor) {
   CVUtils::Services services;
   services.scriptRunner = desktop::ScriptRunner::create();
   services.runningApplications = desktop::RunningApplications::create();
@@ -25,5 +27,9 @@ CVUtils::Services makePlatformServices() {
   services.clipboard = desktop::FileClipboard::create();
   services.noteImporter = desktop::NoteImporter::create(desktop::FileManager::create());
   services.dropbox = sharedDropbox();
+  const browsers::BrowserAccess access{services.scriptRunner, services.runningApplications,
+                                       std::move(addOnDoor)};
+  services.safari = browsers::safariFrontPage(access);
+  services.chrome = browsers::chromeFrontPage(access);
   return services;
 }

@@ -3,13 +3,16 @@
 
 #include "app/CaptureCommand.h"
 #include "app/Diagnostics.h"
+#include "app/IntegrateCommand.h"
 #include "app/Interruption.h"
 #include "app/MergeCommand.h"
+#include "app/NativeHostCommand.h"
 #include "app/OpenCommand.h"
 #include "app/PlatformServices.h"
 #include "app/Services.h"
 #include "app/WindowCommand.h"
 #include "app/WorkFolder.h"
+#include "platform/desktop/ApplicationService.h"
 #include "platform/dispatch/Dispatch.h"
 #include "platform/dropbox/ClientsManager.h"
 #include "platform/web/Engine.h"
@@ -27,6 +30,7 @@ constexpr char helpText[] =
     "       corvalis capture [options] SOURCE...   turn web pages into files\n"
     "       corvalis merge -o OUT.pdf FILE...      join PDF files\n"
     "       corvalis open ADDRESS...               hand pages to the window\n"
+    "       corvalis integrate [--remove]          make it known to your desktop and browsers\n"
     "       corvalis --help | --version\n"
     "\n"
     "Each command lists its options with --help.\n";
@@ -84,6 +88,14 @@ int open(int& argc, char** argv, const QStringList& arguments) {
   return *handed ? 0 : runWindowCommand(argc, argv, *requests);
 }
 
+/// One of the desktop entry's actions: for the running window, or for one that opens first.
+int runAction(int& argc, char** argv, const QString& name) {
+  const auto outcome = desktop::handOverAction(name, {}, desktop::OnDemand::Start);
+  if (!outcome) return complain(outcome.error().localizedDescription, failureStatus);
+  if (*outcome == desktop::HandOver::HandedOver) return 0;
+  return runWindowCommand(argc, argv, {});
+}
+
 int printHelp() {
   std::fputs(helpText, stdout);
   return 0;
@@ -117,6 +129,9 @@ int main(int argc, char** argv) {
   if (command == u"capture"_s) return capture(argc, argv, rest);
   if (command == u"merge"_s) return runMergeCommand(rest);
   if (command == u"open"_s) return open(argc, argv, rest);
+  if (command == u"integrate"_s) return runIntegrateCommand(rest);
+  if (command == u"native-host"_s) return runNativeHostCommand(rest);
+  if (command.startsWith("--action="_L1)) return runAction(argc, argv, command.section(u'=', 1));
   if (command == u"--help"_s || command == u"-h"_s) return printHelp();
   if (command == u"--version"_s) return printVersion();
   if (command.contains(u':')) return open(argc, argv, arguments);
