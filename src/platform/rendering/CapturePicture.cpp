@@ -17,11 +17,11 @@ using namespace Qt::StringLiterals;
 
 /// Large enough that the engine's fixed cost of a strip does not count, small enough that two of
 /// them are a matter of megabytes.
-constexpr double pixelsPerStrip = 8 * 1024 * 1024;
+constexpr double pixelsPerStrip = 16 * 1024 * 1024;
 /// Strips begin at multiples of this, so that their device rows are whole at any scale of two
 /// decimals.
 constexpr double stripUnit = 100;
-constexpr double highestStrip = 8000;
+constexpr double highestStrip = 16000;
 /// A page that changes its height each time it is pictured is taken as it comes in the end.
 constexpr int mostAttempts = 3;
 /// One strip being encoded, one waiting.
