@@ -20,8 +20,8 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-/// One page is converted while the next one loads.
-constexpr int pagesAtOnce = 2;
+/// One page is converted while the next ones load.
+constexpr int pagesAtOnce = 4;
 
 tl::unexpected<Error> sourceError(const QString& text) {
   return failure(u"source"_s, 1, text);

@@ -4,6 +4,7 @@
 #include "delivery/CVUtils.h"
 #include "platform/rendering/CapturePicture.h"
 #include "platform/rendering/DocumentSize.h"
+#include "platform/rendering/Settle.h"
 #include "platform/web/Engine.h"
 #include "settings/CVDefaultPreferences.h"
 #include "settings/CVObjectRepository.h"
@@ -127,7 +128,10 @@ void CVURLEntry::completeLoad() {
   webView_->setResourceLoadDelegate({});
   wkWebView_->setNavigationDelegate({});
   stopObservingLoading();
-  if (services_.thumbnails == Thumbnails::Made) renderThumbnail();
+  if (services_.thumbnails == Thumbnails::Made)
+    renderThumbnail();
+  else
+    settleAhead();
   setWebViewRealHeight();
   setCompletionFactor(1.0);
   setState(CVEntryStateDownloaded);
@@ -136,6 +140,12 @@ void CVURLEntry::completeLoad() {
 
 void CVURLEntry::stopObservingLoading() {
   loadingObserver_.reset();
+}
+
+/// What a conversion needs of the page, done while others are converted: it finds the page at rest
+/// then. A page that is gone meanwhile has nothing to settle.
+void CVURLEntry::settleAhead() {
+  if (const auto engine = page()) rendering::settle(engine, {}, [](const MaybeError&) {});
 }
 
 void CVURLEntry::renderThumbnail() {
@@ -150,6 +160,7 @@ void CVURLEntry::renderThumbnail() {
             [entry, storeImage](std::shared_ptr<const imaging::Image> image) {
               storeImage(std::move(image));
               entry->setWKWebViewRealHeight();
+              entry->settleAhead();
             });
       });
 }

@@ -110,6 +110,7 @@ class CVURLEntry : public CVEntry,
   void failLoad(const Error& error);
   void completeLoad();
   void stopObservingLoading();
+  void settleAhead();
   void renderThumbnail();
   void renderImageFromWebView(ImageCompletion completion);
   void renderImageFromWKWebView(ImageCompletion completion);

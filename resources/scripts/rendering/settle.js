@@ -4,6 +4,8 @@
     '[data-bg], [class*="lazy" i]';
   let pictures = null;
   let scroll = null;
+  // Down to where the page was walked through; a page that has grown since is walked again.
+  let walkedHeight = 0;
 
   const wantPicture = (picture) => {
     if (picture.loading === 'lazy') picture.loading = 'eager';
@@ -64,7 +66,7 @@
     return {
       ...corvalisPage.settleState(),
       lazyMarks: lazy,
-      scrollable: root.scrollHeight > innerHeight + 1,
+      unseen: root.scrollHeight > Math.max(innerHeight, walkedHeight) + 1,
     };
   };
 
@@ -105,19 +107,20 @@
     return true;
   };
 
-  // One step; tells whether there is another. The caller lets a frame pass between steps, so that
-  // observers see each place.
+  // One step; tells whether there is another. A frame passes with each, so that observers see the place:
+  // what they are told of follows the frame's own callbacks.
   corvalisPage.scrollStep = () => {
     const root = document.scrollingElement ?? document.documentElement;
     scroll.y += innerHeight;
     corvalisPage.jumpTo(0, scroll.y);
     const end = Math.min(root.scrollHeight, scroll.end) - innerHeight;
     return new Promise((resolve) => {
-      requestAnimationFrame(() => requestAnimationFrame(() => resolve(scroll.y < end)));
+      requestAnimationFrame(() => setTimeout(() => resolve(scroll.y < end)));
     });
   };
 
   corvalisPage.scrollEnd = () => {
+    walkedHeight = (document.scrollingElement ?? document.documentElement).scrollHeight;
     corvalisPage.jumpTo(0, 0);
     collectPictures();
     return true;

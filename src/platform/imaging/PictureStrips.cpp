@@ -12,8 +12,10 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-/// 12 bytes a strip: far more than the tallest picture has.
-constexpr quint32 tableLimit = 12 * 1024 * 1024;
+/// Rows and sum, 4 bytes each.
+constexpr qsizetype entrySize = 8;
+/// Far more than the tallest picture has.
+constexpr quint32 tableLimit = 8 * 1024 * 1024;
 
 struct Chunks {
   QByteArray header;
@@ -42,24 +44,21 @@ bool isPlainRgb(const QByteArray& header) {
   return header.size() == 13 && header.sliced(8) == QByteArrayView("\x08\x02\x00\x00\x00", 5);
 }
 
-/// Deals the data chunks out to the strips. The first and the last one belong to the stream around
-/// them.
+/// Deals the data chunks out to the strips, one each. The first and the last one belong to the
+/// stream around them.
 bool fillStrips(const Chunks& chunks, PictureStrips& picture) {
-  size_t used = 1;
+  const size_t count = size_t(chunks.table.size() / entrySize);
+  if (chunks.data.size() != count + 2) return false;
   int row = 0;
-  for (qsizetype at = 0; at + 12 <= chunks.table.size(); at += 12) {
-    const char* entry = chunks.table.constData() + at;
+  for (size_t index = 0; index < count; ++index) {
+    const char* entry = chunks.table.constData() + qsizetype(index) * entrySize;
     const quint32 rows = png::readBigEndian(entry);
-    const quint32 count = png::readBigEndian(entry + 4);
     if (rows == 0 || rows > quint32(picture.pixels.height() - row)) return false;
-    if (count > chunks.data.size() || used + count >= chunks.data.size()) return false;
-    const auto first = chunks.data.begin() + qptrdiff(used);
     picture.strips.push_back(
-        {row, int(rows), {first, first + count}, png::readBigEndian(entry + 8)});
+        {row, int(rows), chunks.data[index + 1], png::readBigEndian(entry + 4)});
     row += int(rows);
-    used += count;
   }
-  return row == picture.pixels.height() && used + 1 == chunks.data.size();
+  return row == picture.pixels.height();
 }
 
 }  // namespace

@@ -15,11 +15,11 @@ struct ByteRange {
   qint64 length = 0;
 };
 
-/// Whole rows of a picture whose compressed data stands on its own. The ranges, put one after the
-/// other, are deflate blocks (RFC 1951) that end on a byte and refer to nothing before them, but
-/// none of them is marked as the last. A complete zlib stream (RFC 1950) is therefore
+/// Whole rows of a picture whose compressed data stands on its own: deflate blocks (RFC 1951) that
+/// end on a byte and refer to nothing before them, but none of them is marked as the last. A
+/// complete zlib stream (RFC 1950) is therefore
 ///
-///     PictureStrips::streamHeader + the ranges' bytes + PictureStrips::lastBlock + adler,
+///     PictureStrips::streamHeader + the packed bytes + PictureStrips::lastBlock + adler,
 ///     big-endian
 ///
 /// and unpacks to `rows` rows, each a PNG filter byte followed by width x 3 bytes (red, green,
@@ -28,15 +28,8 @@ struct ByteRange {
 struct PictureStrip {
   int firstRow = 0;
   int rows = 0;
-  std::vector<ByteRange> ranges;
+  ByteRange packed;
   quint32 adler = 0;
-
-  qint64 compressedSize() const {
-    qint64 sum = 0;
-    for (const ByteRange& range : ranges)
-      sum += range.length;
-    return sum;
-  }
 };
 
 /// A PNG file as strips that follow one another from the top of the picture to its end: opaque

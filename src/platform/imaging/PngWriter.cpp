@@ -1,5 +1,8 @@
 #include "platform/imaging/PngWriter.h"
 
+#include <libdeflate.h>
+#include <zlib.h>
+
 #include <algorithm>
 #include <cmath>
 
@@ -13,8 +16,6 @@ namespace imaging {
 using namespace Qt::StringLiterals;
 
 namespace {
-
-constexpr qsizetype filteredLimit = 256 * 1024;
 
 /// Large enough that a PDF of a tall page has few pictures, small enough that who unpacks one
 /// strip needs no more than 16 MB.
@@ -48,8 +49,7 @@ PngWriter::PngWriter(std::unique_ptr<PartFile> file, QSize devicePixels)
     : file_(std::move(file)),
       pixels_(devicePixels),
       rowsPerStrip_(rowsPerStrip(devicePixels.width())),
-      filter_(devicePixels.width()),
-      packer_([this](const QByteArray& packed) { return writePacked(packed); }) {}
+      filter_(devicePixels.width()) {}
 
 MaybeError PngWriter::writeHead(const PictureOptions& options) {
   if (auto error = file_->write({png::signature, sizeof png::signature})) return error;
@@ -76,47 +76,32 @@ MaybeError PngWriter::appendRows(const QImage& rows) {
   if (opaque.isNull()) return noMemoryForRows();
   for (int row = 0; row < opaque.height(); ++row) {
     filterRow(opaque.constScanLine(row));
-    const bool stripEnds = int(strip_.rows) == rowsPerStrip_ || rowsDone_ == pixels_.height();
-    if (filtered_.size() < filteredLimit && !stripEnds) continue;
-    if (auto error = stripEnds ? endStrip() : packFiltered(DeflateStream::Boundary::None))
-      return error;
+    const bool stripEnds = rowsDone_ % rowsPerStrip_ == 0 || rowsDone_ == pixels_.height();
+    if (!stripEnds) continue;
+    if (auto error = endStrip()) return error;
   }
   return {};
 }
 
 void PngWriter::filterRow(const uchar* row) {
+  if (filtered_.isEmpty()) filtered_.reserve(rowsPerStrip_ * qsizetype(filter_.filteredSize()));
   const qsizetype end = filtered_.size();
   filtered_.resize(end + qsizetype(filter_.filteredSize()));
-  const FilteredRow kind = filter_.filter(row, reinterpret_cast<uchar*>(filtered_.data() + end));
-  if (kind == FilteredRow::Differences) ++rowsOfDifferences_;
+  filter_.filter(row, reinterpret_cast<uchar*>(filtered_.data() + end));
   ++rowsDone_;
-  ++strip_.rows;
-}
-
-MaybeError PngWriter::packFiltered(DeflateStream::Boundary boundary) {
-  const auto* bytes = reinterpret_cast<const Bytef*>(filtered_.constData());
-  strip_.adler = quint32(adler32_z(strip_.adler, bytes, size_t(filtered_.size())));
-  const qsizetype rows = filtered_.size() / qsizetype(filter_.filteredSize());
-  const auto content = rowsOfDifferences_ * 2 > rows ? DeflateStream::Content::Differences
-                                                     : DeflateStream::Content::Text;
-  auto error = packer_.pack(filtered_, content, boundary);
-  filtered_.resize(0);
-  rowsOfDifferences_ = 0;
-  return error;
-}
-
-MaybeError PngWriter::writePacked(const QByteArray& packed) {
-  ++strip_.chunks;
-  return png::writeChunk(*file_, "IDAT", packed);
 }
 
 MaybeError PngWriter::endStrip() {
-  const qsizetype size = qsizetype(strip_.rows) * qsizetype(filter_.filteredSize());
-  if (auto error = packFiltered(DeflateStream::Boundary::Independent)) return error;
-  adler_ = quint32(adler32_combine(adler_, strip_.adler, size));
-  strips_.push_back(std::exchange(strip_, {}));
+  const QByteArray packed = packer_.pack(filtered_);
+  if (packed.isEmpty()) return noMemoryForRows();
+  const qsizetype size = filtered_.size();
+  const quint32 rows = quint32(size / qsizetype(filter_.filteredSize()));
+  const quint32 adler = libdeflate_adler32(1, filtered_.constData(), size_t(size));
+  adler_ = quint32(adler32_combine(adler_, adler, size));
+  strips_.push_back({rows, adler});
+  filtered_.resize(0);
   filter_.startAfresh();
-  return {};
+  return png::writeChunk(*file_, "IDAT", packed);
 }
 
 MaybeError PngWriter::finish() {
@@ -130,8 +115,7 @@ MaybeError PngWriter::writeTail() {
   if (auto error = png::writeChunk(*file_, "IDAT", end)) return error;
   QByteArray table;
   for (const Strip& strip : strips_) {
-    table +=
-        png::bigEndian(strip.rows) + png::bigEndian(strip.chunks) + png::bigEndian(strip.adler);
+    table += png::bigEndian(strip.rows) + png::bigEndian(strip.adler);
   }
   if (auto error = png::writeChunk(*file_, png::stripsChunk, table)) return error;
   if (auto error = png::writeChunk(*file_, "IEND", {})) return error;

@@ -3,7 +3,7 @@
 #include <QByteArray>
 #include <vector>
 
-#include "platform/imaging/DeflateStream.h"
+#include "platform/imaging/DeflateBlocks.h"
 #include "platform/imaging/PartFile.h"
 #include "platform/imaging/PictureWriter.h"
 #include "platform/imaging/RowFilter.h"
@@ -23,7 +23,6 @@ class PngWriter : public PictureWriter {
  private:
   struct Strip {
     quint32 rows = 0;
-    quint32 chunks = 0;
     quint32 adler = 1;
   };
 
@@ -31,8 +30,6 @@ class PngWriter : public PictureWriter {
   MaybeError writeHead(const PictureOptions& options);
   MaybeError appendRows(const QImage& rows);
   void filterRow(const uchar* row);
-  MaybeError packFiltered(DeflateStream::Boundary boundary);
-  MaybeError writePacked(const QByteArray& packed);
   MaybeError endStrip();
   MaybeError writeTail();
 
@@ -41,11 +38,9 @@ class PngWriter : public PictureWriter {
   int rowsDone_ = 0;
   int rowsPerStrip_;
   RowFilter filter_;
-  DeflateStream packer_;
-  /// Rows that wait for the packer, and how many of them are differences.
+  DeflateBlocks packer_;
+  /// The rows of the strip that has begun.
   QByteArray filtered_;
-  qsizetype rowsOfDifferences_ = 0;
-  Strip strip_;
   std::vector<Strip> strips_;
   quint32 adler_ = 1;
   MaybeError failure_;

@@ -45,15 +45,14 @@ size_t cost(const uchar* differences, size_t size) {
 
 RowFilter::RowFilter(int width) : above_(size_t(width) * channels), differences_(above_.size()) {}
 
-FilteredRow RowFilter::filter(const uchar* row, uchar* filtered) {
+void RowFilter::filter(const uchar* row, uchar* filtered) {
   const size_t size = above_.size();
   if (hasRowAbove_ && std::memcmp(row, above_.data(), size) == 0) {
     filtered[0] = Up;
     std::memset(filtered + 1, 0, size);
-    return FilteredRow::Plain;
+    return;
   }
-  const bool plain = hasFewColours(row, size);
-  if (plain) {
+  if (hasFewColours(row, size)) {
     filtered[0] = None;
     std::memcpy(filtered + 1, row, size);
   } else {
@@ -61,7 +60,6 @@ FilteredRow RowFilter::filter(const uchar* row, uchar* filtered) {
   }
   std::memcpy(above_.data(), row, size);
   hasRowAbove_ = true;
-  return plain ? FilteredRow::Plain : FilteredRow::Differences;
 }
 
 void RowFilter::writeDifferences(const uchar* row, uchar* filtered) {

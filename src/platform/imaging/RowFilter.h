@@ -5,10 +5,6 @@
 
 namespace imaging {
 
-/// How a row was prepared: as it is (or as "the same as above"), or as differences from its
-/// neighbours.
-enum class FilteredRow { Plain, Differences };
-
 /// Prepares rows of 8-bit red, green and blue for compression (PNG, third edition, 9).
 class RowFilter {
  public:
@@ -19,7 +15,7 @@ class RowFilter {
   /// From the next row on, nothing refers to rows that were filtered before.
   void startAfresh() { hasRowAbove_ = false; }
   /// Writes `filteredSize()` bytes to `filtered`. `row` holds 3 x width bytes.
-  FilteredRow filter(const uchar* row, uchar* filtered);
+  void filter(const uchar* row, uchar* filtered);
 
  private:
   void writeDifferences(const uchar* row, uchar* filtered);

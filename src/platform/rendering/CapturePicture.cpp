@@ -3,6 +3,7 @@
 #include <QJsonObject>
 #include <cmath>
 
+#include "platform/dispatch/Dispatch.h"
 #include "platform/rendering/FlatDocument.h"
 #include "platform/rendering/PageTurn.h"
 #include "platform/rendering/PicturePipeline.h"
@@ -15,13 +16,14 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
-/// Large enough that the engine's fixed cost of a strip does not count, small enough that two of
-/// them are a matter of megabytes.
-constexpr double pixelsPerStrip = 16 * 1024 * 1024;
+/// Each strip costs the engine a new layout of the document, so there are few; packed, two of them
+/// are a matter of megabytes.
+constexpr double pixelsPerStrip = 32 * 1024 * 1024;
 /// Strips begin at multiples of this, so that their device rows are whole at any scale of two
 /// decimals.
 constexpr double stripUnit = 100;
-constexpr double highestStrip = 16000;
+/// Of 49,000 rows the engine gave every one, of 60,000 none.
+constexpr double highestStrip = 32000;
 /// A page that changes its height each time it is pictured is taken as it comes in the end.
 constexpr int mostAttempts = 3;
 /// One strip being encoded, one waiting.
@@ -157,11 +159,11 @@ void DocumentPicture::delivered(const MaybeError& error) {
 void DocumentPicture::end(Result<CapturedPicture> result) {
   ended_ = true;
   pipeline_->stop();
-  document_->restore([self = shared_from_this(), result = std::move(result)] {
-    // The pipeline's callback holds this object.
-    self->pipeline_.reset();
-    self->callback_(result);
-  });
+  // Nobody has to wait while the page is put back: whoever wants it next waits for its turn.
+  document_->restore([] {});
+  // The pipeline's callback holds this object.
+  dispatch::mainAsync([pipeline = std::move(pipeline_)] {});
+  callback_(std::move(result));
 }
 
 }  // namespace

@@ -2,15 +2,19 @@
 
 #include "platform/rendering/FlatDocument.h"
 #include "platform/rendering/PageScript.h"
+#include "platform/rendering/PageTurn.h"
 
 namespace rendering {
 
 void documentSize(const std::shared_ptr<web::Page>& page,
                   std::function<void(Result<QSizeF>)> callback) {
-  callPageScript(page, QStringLiteral("size"), {}, [callback = std::move(callback)](auto value) {
-    callback(value.and_then(documentLayoutFromJson).map([](const DocumentLayout& layout) {
-      return layout.document;
-    }));
+  PageTurn::take(page, [page, callback = std::move(callback)](std::shared_ptr<PageTurn> turn) {
+    callPageScript(page, QStringLiteral("size"), {}, [turn, callback](auto value) mutable {
+      turn.reset();
+      callback(value.and_then(documentLayoutFromJson).map([](const DocumentLayout& layout) {
+        return layout.document;
+      }));
+    });
   });
 }
 

@@ -3,6 +3,7 @@
 #include <QPainter>
 
 #include "platform/dispatch/Dispatch.h"
+#include "platform/imaging/PngReader.h"
 #include "platform/rendering/RenderingError.h"
 
 namespace rendering {
@@ -10,25 +11,37 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
+/// A band of it is a few megabytes.
+constexpr int pixelsPerBand = 1024 * 1024;
+
 /// Rounding in the engine can make a strip differ by a row or column from its place.
-QImage fitted(const QImage& image, QSize size) {
-  if (image.size() == size) return image;
-  QImage place(size, QImage::Format_RGB32);
+QImage fitted(const QImage& band, QSize size) {
+  if (band.size() == size) return band;
+  QImage place(size, QImage::Format_RGB888);
   place.fill(Qt::white);
-  QPainter(&place).drawImage(0, 0, image);
+  QPainter(&place).drawImage(0, 0, band);
   return place;
 }
 
-Result<QImage> decoded(const QByteArray& png, QSize size) {
-  const QImage image = QImage::fromData(png, "PNG");
-  const QSize difference = image.size() - size;
-  const bool usable =
-      !image.isNull() && qAbs(difference.width()) <= 1 && qAbs(difference.height()) <= 1;
-  if (!usable) {
-    return tl::unexpected(
-        makeError(DamagedPicture, u"The page engine's picture of the page could not be read."_s));
+Error damaged() {
+  return makeError(DamagedPicture, u"The page engine's picture of the page could not be read."_s);
+}
+
+/// Hands the rows of a strip that must measure `size` to the receiver.
+MaybeError deliver(const QByteArray& png, QSize size, PictureReceiver& receiver) {
+  const auto strip = imaging::PngReader::create(png);
+  if (!strip) return damaged();
+  const QSize difference = (*strip)->size() - size;
+  if (qAbs(difference.width()) > 1 || qAbs(difference.height()) > 1) return damaged();
+  const int rowsPerBand = qMax(1, pixelsPerBand / size.width());
+  for (int row = 0; row < size.height(); row += rowsPerBand) {
+    const int count = qMin(rowsPerBand, size.height() - row);
+    const bool nothingLeft = (*strip)->rowsLeft() == 0;
+    const Result<QImage> band = nothingLeft ? QImage() : (*strip)->rows(count);
+    if (!band) return damaged();
+    if (MaybeError error = receiver.rows(fitted(*band, {size.width(), count}))) return error;
   }
-  return fitted(image.convertToFormat(QImage::Format_RGB32), size);
+  return {};
 }
 
 }  // namespace
@@ -43,13 +56,9 @@ void PicturePipeline::begin(QSize picture) {
 
 void PicturePipeline::add(QByteArray png, QSize size) {
   ++waiting_;
-  push(
-      [png = std::move(png), size](PictureReceiver& receiver) -> MaybeError {
-        const Result<QImage> image = decoded(png, size);
-        if (!image) return image.error();
-        return receiver.rows(*image);
-      },
-      1);
+  push([png = std::move(png),
+        size](PictureReceiver& receiver) { return deliver(png, size, receiver); },
+       1);
 }
 
 void PicturePipeline::stop() {
@@ -81,7 +90,7 @@ void PicturePipeline::work() {
     }
     MaybeError error = next.job(*receiver_);
     if (error) stop();
-    // The job's strip must not outlive its turn: the next one may already be decoded.
+    // The job's strip must not outlive its turn: the next one has already come.
     next.job = {};
     dispatch::mainAsync([self = shared_from_this(), strips = next.strips,
                          error = std::move(error)] { self->report(strips, error); });

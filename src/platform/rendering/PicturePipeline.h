@@ -12,8 +12,8 @@
 
 namespace rendering {
 
-/// Decodes strips and hands them to the receiver on the global queue, one after the other. Main
-/// thread only, but for the work itself.
+/// Decodes strips and hands their rows to the receiver, a band at a time, on the global queue: what
+/// it holds in memory is the packed strips. Main thread only, but for the work itself.
 class PicturePipeline : public std::enable_shared_from_this<PicturePipeline> {
  public:
   /// `delivered` is called on the main queue after each strip, or with the first error; after an

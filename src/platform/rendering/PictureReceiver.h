@@ -7,8 +7,8 @@
 
 namespace rendering {
 
-/// Takes a picture in strips from the top. Called on worker threads, one call at a time and in
-/// order. A receiver that is slow holds the page back: no more than two strips wait. An error that
+/// Takes a picture in bands of rows from the top. Called on worker threads, one call at a time and
+/// in order. A receiver that is slow holds the page back. An error that
 /// it returns ends the capture with that error.
 class PictureReceiver {
  public:
@@ -18,9 +18,8 @@ class PictureReceiver {
   /// being pictured: everything received so far is void and the picture starts anew.
   virtual MaybeError began(QSize devicePixels) = 0;
 
-  /// The next rows, as wide as the picture, QImage::Format_RGB32, opaque. The strips' heights add
-  /// up to the picture's.
-  virtual MaybeError rows(const QImage& strip) = 0;
+  /// The next rows, as wide as the picture and opaque. The bands' heights add up to the picture's.
+  virtual MaybeError rows(const QImage& band) = 0;
 };
 
 }  // namespace rendering

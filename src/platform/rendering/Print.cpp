@@ -98,11 +98,11 @@ void PrintJob::finish(const PrintRun& run) {
   end(error ? tl::unexpected(*error) : Result<PrintedDocument>(run.document));
 }
 
+/// Nobody has to wait while the page is put back: whoever wants it next waits for its turn.
 void PrintJob::end(Result<PrintedDocument> result) {
-  const auto restoreDocument = [self = shared_from_this(), result = std::move(result)] {
-    self->document_->restore([self, result] { self->callback_(result); });
-  };
+  const auto restoreDocument = [document = document_] { document->restore([] {}); };
   styles_ ? styles_->restore(restoreDocument) : restoreDocument();
+  callback_(std::move(result));
 }
 
 class TallPrint : public PrintJob {

@@ -78,7 +78,7 @@ void SettleRun::call(const QString& function, Step next) {
 void SettleRun::afterBegin(const QJsonObject& state) {
   // Without scripts nothing but the loading attribute can make a picture wait for its place.
   const bool scripted = page_->configuration().scripts == web::Scripts::Enabled;
-  if (!scripted || !state.value("scrollable"_L1).toBool()) return check(state);
+  if (!scripted || !state.value("unseen"_L1).toBool()) return check(state);
   if (state.value("lazyMarks"_L1).toBool()) return beginScroll();
   countObservers(state);
 }

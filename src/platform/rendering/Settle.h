@@ -12,10 +12,10 @@ class Page;
 
 /// Turns a loaded page into pictures and PDFs. Everything here is called on the main thread,
 /// returns at once and ends in its callback, once, on the main queue; the page is held until then.
-/// Operations on one page take turns: a second one waits for the first. Each leaves the page as it
-/// found it, so they may follow each other in any order. A page that closes or crashes ends its
-/// operations with an error. Lengths are CSS pixels of the page's layout (one CSS pixel is one
-/// point) unless they say otherwise.
+/// Operations on one page take turns: a second one waits for the first. Each puts the page back as
+/// it found it after it has answered, so they may follow each other in any order. A page that
+/// closes or crashes ends its operations with an error. Lengths are CSS pixels of the page's layout
+/// (one CSS pixel is one point) unless they say otherwise.
 namespace rendering {
 
 struct SettleOptions {

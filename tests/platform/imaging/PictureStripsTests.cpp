@@ -17,8 +17,7 @@ class Strips : public PictureTest {};
 QByteArray unpacked(const PictureStrips& picture, const PictureStrip& strip,
                     const QByteArray& file) {
   QByteArray stream(PictureStrips::streamHeader, 2);
-  for (const ByteRange& range : strip.ranges)
-    stream += file.mid(range.offset, range.length);
+  stream += file.mid(strip.packed.offset, strip.packed.length);
   stream += QByteArray(PictureStrips::lastBlock, 2);
   quint32 sum = qToBigEndian(strip.adler);
   stream += QByteArray(reinterpret_cast<const char*>(&sum), 4);

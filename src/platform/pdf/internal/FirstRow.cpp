@@ -37,13 +37,11 @@ class Inflation {
 
 bool unpack(QFile& file, const imaging::PictureStrip& strip, QByteArray& output) {
   Inflation inflation(output);
-  for (const imaging::ByteRange& range : strip.ranges) {
-    if (!file.seek(range.offset)) return false;
-    for (qint64 left = range.length; left > 0 && !inflation.isComplete();) {
-      const QByteArray piece = file.read(std::min(left, readPiece));
-      if (piece.isEmpty() || !inflation.add(piece)) return false;
-      left -= piece.size();
-    }
+  if (!file.seek(strip.packed.offset)) return false;
+  for (qint64 left = strip.packed.length; left > 0 && !inflation.isComplete();) {
+    const QByteArray piece = file.read(std::min(left, readPiece));
+    if (piece.isEmpty() || !inflation.add(piece)) return false;
+    left -= piece.size();
   }
   return inflation.isComplete();
 }

@@ -72,7 +72,7 @@ MaybeError StripPainter::writeStrip(size_t index) {
       "/Columns " +
       QByteArray::number(picture_.pixels.width()) + " >>";
   // A stream header, the picture's own blocks, a last block and the check sum.
-  file_.beginStream(strips_[index], imageEntries(strip.rows) + packing, strip.compressedSize() + 8);
+  file_.beginStream(strips_[index], imageEntries(strip.rows) + packing, strip.packed.length + 8);
   if (!copyStrip(strip)) return unreadable();
   file_.endStream();
   return std::nullopt;
@@ -80,9 +80,7 @@ MaybeError StripPainter::writeStrip(size_t index) {
 
 bool StripPainter::copyStrip(const imaging::PictureStrip& strip) {
   file_.append(QByteArray(imaging::PictureStrips::streamHeader, 2));
-  for (const imaging::ByteRange& range : strip.ranges) {
-    if (!copyRange(range)) return false;
-  }
+  if (!copyRange(strip.packed)) return false;
   QByteArray sum(4, '\0');
   qToBigEndian(strip.adler, sum.data());
   file_.append(QByteArray(imaging::PictureStrips::lastBlock, 2) + sum);
