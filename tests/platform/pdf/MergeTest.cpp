@@ -8,6 +8,7 @@
 #include "Tools.h"
 #include "platform/pdf/DocumentFacts.h"
 #include "platform/pdf/DocumentMerge.h"
+#include "platform/pdf/PDFDocument.h"
 
 using namespace Qt::StringLiterals;
 using testing::ElementsAre;
@@ -23,14 +24,12 @@ Merged merge(const QStringList& paths, const QStringList& titles = {}) {
   std::vector<pdf::MergeSource> sources;
   for (qsizetype index = 0; index < paths.size(); ++index)
     sources.push_back({paths[index], titles.value(index)});
-  const auto merged = pdf::mergeDocuments(sources);
-  EXPECT_TRUE(merged) << qPrintable(merged ? QString() : merged.error().localizedDescription);
-  if (!merged) return {};
   const QString path = tools::fresh(u"merged.pdf"_s);
-  const MaybeError error = merged->document->writeToFile(path);
-  EXPECT_FALSE(error) << qPrintable(error ? error->localizedDescription : QString());
+  const auto skipped = pdf::mergeDocuments(sources, path);
+  EXPECT_TRUE(skipped) << qPrintable(skipped ? QString() : skipped.error().localizedDescription);
+  if (!skipped) return {};
   EXPECT_EQ(tools::complaints(path), QString());
-  return {path, merged->skipped};
+  return {path, *skipped};
 }
 
 QString content(const QString& operators) {
@@ -263,8 +262,10 @@ TEST(Merge, FilesThatCannotBeReadAreNamedAndLeftOut) {
   EXPECT_EQ(merged.skipped[5].reason.code, pdf::PDFErrorNoPages);
   EXPECT_EQ(tools::text(merged.path), u"good good good"_s);
 
-  EXPECT_FALSE(pdf::mergeDocuments({{bad[0], {}}, {bad[2], {}}}));
-  EXPECT_FALSE(pdf::mergeDocuments({}));
+  const QString none = tools::fresh(u"none.pdf"_s);
+  EXPECT_FALSE(pdf::mergeDocuments({{bad[0], {}}, {bad[2], {}}}, none));
+  EXPECT_FALSE(pdf::mergeDocuments({}, none));
+  EXPECT_FALSE(QFile::exists(none));
 }
 
 TEST(Merge, MoreDocumentsThanFilesMayBeOpen) {
