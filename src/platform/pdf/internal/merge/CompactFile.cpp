@@ -14,8 +14,8 @@ using namespace Qt::StringLiterals;
 namespace pdf {
 namespace {
 
-/// A reader unpacks a whole object stream for one object.
-constexpr int objectsPerStream = 200;
+/// More pack better, but a reader unpacks a whole object stream for one object.
+constexpr int objectsPerStream = 500;
 
 /// Object streams came with it. As long as any other that a document can ask for.
 constexpr std::string_view leastVersion = "1.5";

@@ -22,7 +22,6 @@ Joiner::Joiner(const QString& path)
 void Joiner::add(const SourceFile& document, const QString& title, const QString& otherwise) {
   ObjectCopier copier(document, file_, pool_);
   const size_t firstPage = pages_.size(), number = headings_.size() + 1;
-  if (isEmpty()) copyAttributes(document, copier);
   reservePages(document, copier);
   const DocumentDestinations destinations(document, destinations_, number);
   destinations.rename(copier.renaming());
@@ -35,6 +34,7 @@ void Joiner::add(const SourceFile& document, const QString& title, const QString
   copyLayers(document, copier, layers_);
   copyAttachments(document, copier);
   copyPageLabels(document, firstPage, copier);
+  if (firstPage == 0) copyAttributes(document, copier);
   copier.finish();
   version_ = std::max(version_, document.version());
 }
@@ -107,16 +107,23 @@ std::string Joiner::namesEntry() {
   return names.empty() ? names : "/Names<<" + names + ">>";
 }
 
-MaybeError Joiner::finish() {
-  writePageTree();
-  std::string catalog = "<</Type/Catalog/Pages " + referenceText(pageTree_) + "/Outlines " +
-                        referenceText(writeOutline(file_, headings_)) + attributes_ +
-                        writeTags(file_, tagRoot_, tags_) + namesEntry();
+std::string Joiner::catalog() {
+  std::string text = "<</Type/Catalog/Pages " + referenceText(pageTree_) + "/Outlines " +
+                     referenceText(writeOutline(file_, headings_)) + attributes_ +
+                     writeTags(file_, tagRoot_, tags_) + namesEntry();
   const std::string layers = layerProperties(layers_);
-  if (!layers.empty()) catalog += "/OCProperties" + layers;
-  if (hasPageLabels_) catalog += "/PageLabels<</Nums[" + pageLabels_ + "]>>";
-  std::string trailer = "/Root " + referenceText(file_.add(catalog + ">>"));
-  if (information_ != 0) trailer += "/Info " + referenceText(information_);
+  if (!layers.empty()) text += "/OCProperties" + layers;
+  if (hasPageLabels_) text += "/PageLabels<</Nums[" + pageLabels_ + "]>>";
+  return text + ">>";
+}
+
+MaybeError Joiner::finish() {
+  std::string trailer;
+  if (!hasFailed()) {
+    writePageTree();
+    trailer = "/Root " + referenceText(file_.add(catalog()));
+    if (information_ != 0) trailer += "/Info " + referenceText(information_);
+  }
   return file_.finish(version_, trailer);
 }
 

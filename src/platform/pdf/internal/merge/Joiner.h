@@ -14,13 +14,14 @@ class Joiner {
  public:
   explicit Joiner(const QString& path);
 
-  bool isEmpty() const { return pages_.empty(); }
+  /// Whether the file takes no more; `finish` says why.
   bool hasFailed() const { return file_.hasFailed(); }
 
   /// `title` is the heading's text; an empty one stands for the document's own title, or
   /// `otherwise`.
   void add(const SourceFile& document, const QString& title, const QString& otherwise);
 
+  /// Called when at least one document has been added, or the file has failed.
   MaybeError finish();
 
  private:
@@ -31,6 +32,7 @@ class Joiner {
   void copyAttributes(const SourceFile& document, ObjectCopier& copier);
   void writePageTree();
   std::string namesEntry();
+  std::string catalog();
 
   CompactFile file_;
   ResourcePool pool_;

@@ -16,16 +16,18 @@ Result<std::unique_ptr<QTemporaryFile>> mendedCopy(const QString& path) {
                    u"The document \"%1\" has no pages."_s.arg(path));
   }
   auto copy = std::make_unique<QTemporaryFile>();
-  if (!copy->open()) {
+  MaybeError error;
+  if (copy->open()) {
+    error = catchingQpdf(PDFErrorUnreadable, u"The document \"%1\" is damaged: "_s.arg(path), [&] {
+      drawFields(**document);
+      writePlainly(**document, *copy);
+    });
+  }
+  // A full disk is no fault of the document's.
+  if (!copy->isOpen() || !copy->flush() || copy->error() != QFileDevice::NoError) {
     return failure(QString::fromUtf16(errorDomain), PDFErrorWrite,
                    u"The document \"%1\" cannot be mended: %2"_s.arg(path, copy->errorString()));
   }
-  const MaybeError error =
-      catchingQpdf(PDFErrorUnreadable, u"The document \"%1\" is damaged: "_s.arg(path), [&] {
-        drawFields(**document);
-        writePlainly(**document, *copy);
-        if (!copy->flush()) throw std::runtime_error(copy->errorString().toStdString());
-      });
   if (error) return tl::unexpected(*error);
   return copy;
 }

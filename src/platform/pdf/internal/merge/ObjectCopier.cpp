@@ -15,9 +15,10 @@ bool isPageTree(const Value& value) {
   return type.isName("/Page") || type.isName("/Pages") || type.isName("/Catalog");
 }
 
-/// Keeps words apart that would be read as one.
+/// Keeps words apart that would be read as one; a name can be empty, only its slash.
 void appendWord(std::string& text, std::string_view word) {
-  if (isRegular(word.front()) && !text.empty() && isRegular(text.back())) text += ' ';
+  const bool joins = !text.empty() && (isRegular(text.back()) || text.back() == '/');
+  if (joins && isRegular(word.front())) text += ' ';
   text += word;
 }
 

@@ -22,7 +22,7 @@ std::unique_ptr<SourceFile> openPlain(const QString& path) {
   try {
     auto document = std::make_unique<SourceFile>(path);
     return isPlain(*document) ? std::move(document) : nullptr;
-  } catch (const std::runtime_error&) {
+  } catch (const std::exception&) {
     // Mending finds out what is wrong.
     return nullptr;
   }
@@ -33,7 +33,7 @@ Opened openMended(const QString& path) {
   if (!copy) return tl::unexpected(copy.error());
   try {
     return std::make_unique<SourceFile>((*copy)->fileName());
-  } catch (const std::runtime_error& error) {
+  } catch (const std::exception& error) {
     return failure(
         QString::fromUtf16(errorDomain), PDFErrorUnreadable,
         u"The document \"%1\" is damaged: %2"_s.arg(path, QString::fromUtf8(error.what())));

@@ -22,7 +22,7 @@ struct SourcePage {
 /// damage. Reads on several threads are safe.
 class SourceFile {
  public:
-  /// Throws `UnsoundFile` when the file has to be mended first, and `std::runtime_error` when it
+  /// Throws `UnsoundFile` when the file has to be mended first, and other exceptions when it
   /// cannot be read. Large files stay mapped and must not be cut short while they are in use.
   explicit SourceFile(const QString& path);
 
