@@ -14,8 +14,7 @@ int main(int argc, char** argv) {
   std::vector<pdf::MergeSource> sources;
   for (const QString& path : arguments.mid(2))
     sources.push_back({path, {}});
-  const auto merged = pdf::mergeDocuments(sources);
-  const MaybeError error = merged ? merged->document->writeToFile(arguments[1]) : merged.error();
-  if (error) std::fprintf(stderr, "%s\n", qPrintable(error->localizedDescription));
-  return error ? 1 : 0;
+  const auto skipped = pdf::mergeDocuments(sources, arguments[1]);
+  if (!skipped) std::fprintf(stderr, "%s\n", qPrintable(skipped.error().localizedDescription));
+  return skipped && skipped->empty() ? 0 : 1;
 }

@@ -34,19 +34,14 @@ int merge(const QStringList& files, const QString& output) {
   std::vector<pdf::MergeSource> sources;
   for (const QString& file : files)
     sources.push_back({file, QString()});
-  const auto merged = pdf::mergeDocuments(sources);
-  if (!merged) {
-    complain(merged.error().localizedDescription);
+  const auto skipped = pdf::mergeDocuments(sources, output);
+  if (!skipped) {
+    complain(skipped.error().localizedDescription);
     return failureStatus;
   }
-  for (const auto& skipped : merged->skipped) {
-    complain(skipped.path + u": "_s + skipped.reason.localizedDescription);
-  }
-  if (const MaybeError error = merged->document->writeToFile(output)) {
-    complain(error->localizedDescription);
-    return failureStatus;
-  }
-  return merged->skipped.empty() ? 0 : failureStatus;
+  for (const auto& source : *skipped)
+    complain(source.path + u": "_s + source.reason.localizedDescription);
+  return skipped->empty() ? 0 : failureStatus;
 }
 
 }  // namespace

@@ -6,7 +6,6 @@ MaybeError PDFMultipageAssembler::mergePDFURLs(const QList<QUrl>& files, const Q
   std::vector<pdf::MergeSource> sources;
   for (const QUrl& file : files)
     sources.push_back({file.toLocalFile(), QString()});
-  const auto merged = pdf::mergeDocuments(sources);
-  if (!merged) return merged.error();
-  return merged->document->writeToURL(target);
+  const auto skipped = pdf::mergeDocuments(sources, target.toLocalFile());
+  return skipped ? MaybeError() : skipped.error();
 }

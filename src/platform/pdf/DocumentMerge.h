@@ -1,11 +1,9 @@
 #pragma once
 
 #include <QString>
-#include <memory>
 #include <vector>
 
 #include "platform/base/Error.h"
-#include "platform/pdf/PDFDocument.h"
 
 namespace pdf {
 
@@ -21,11 +19,6 @@ struct SkippedSource {
   Error reason;
 };
 
-struct MergedDocument {
-  std::shared_ptr<PDFDocument> document;  ///< not written yet
-  std::vector<SkippedSource> skipped;     ///< also logged, a line for each
-};
-
 /// Joins documents in the order given; the pages of each keep their order, size and rotation.
 ///
 /// Each document's outline stands under one heading of its own. Links inside a document and its
@@ -36,8 +29,12 @@ struct MergedDocument {
 /// readable file. Scripts of whole documents are left out.
 ///
 /// Damaged files are repaired where possible. A file that cannot be read, needs a password or has
-/// no page is skipped; that all of them are is an error. The files have to stay in place until the
-/// result is written. Any thread.
-Result<MergedDocument> mergeDocuments(const std::vector<MergeSource>& sources);
+/// no page is skipped; that all of them are is an error. Few of the files are held in memory at a
+/// time. The joined file appears at `target` whole or not at all; `target` may be one of the
+/// sources.
+///
+/// Returns what was skipped, also logged with a line for each. Any thread.
+Result<std::vector<SkippedSource>> mergeDocuments(const std::vector<MergeSource>& sources,
+                                                  const QString& target);
 
 }  // namespace pdf

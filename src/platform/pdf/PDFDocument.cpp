@@ -79,7 +79,7 @@ MaybeError PDFDocument::writeToFile(const QString& path) const {
     return Error{QString::fromUtf16(errorDomain), PDFErrorNoPages,
                  u"The document \"%1\" has no pages and is not written."_s.arg(path)};
   }
-  return writeQpdf(contents_->qpdf, path, contents_->leastVersion);
+  return writeQpdf(contents_->qpdf, path);
 }
 
 MaybeError PDFDocument::writeToURL(const QUrl& url) const {

@@ -1,53 +1,24 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <QFile>
-
 #include "Inspect.h"
+#include "Merging.h"
 #include "Samples.h"
 #include "Tools.h"
 #include "platform/pdf/DocumentFacts.h"
-#include "platform/pdf/DocumentMerge.h"
 
 using namespace Qt::StringLiterals;
 using testing::ElementsAre;
+using tools::merge;
+using tools::Merged;
 
 namespace {
-
-struct Merged {
-  QString path;
-  std::vector<pdf::SkippedSource> skipped;
-};
-
-Merged merge(const QStringList& paths, const QStringList& titles = {}) {
-  std::vector<pdf::MergeSource> sources;
-  for (qsizetype index = 0; index < paths.size(); ++index)
-    sources.push_back({paths[index], titles.value(index)});
-  const auto merged = pdf::mergeDocuments(sources);
-  EXPECT_TRUE(merged) << qPrintable(merged ? QString() : merged.error().localizedDescription);
-  if (!merged) return {};
-  const QString path = tools::fresh(u"merged.pdf"_s);
-  const MaybeError error = merged->document->writeToFile(path);
-  EXPECT_FALSE(error) << qPrintable(error ? error->localizedDescription : QString());
-  EXPECT_EQ(tools::complaints(path), QString());
-  return {path, merged->skipped};
-}
 
 QString content(const QString& operators) {
   return u"<< /Length %1 >>\nstream\n%2\nendstream"_s.arg(operators.toUtf8().size()).arg(operators);
 }
 
-/// Two pages (objects 3 and 4) that inherit their size; objects from 5 on are the caller's.
-QString twoPages(const QString& catalog, const QString& first, const QString& second,
-                 const QStringList& more = {}, const QString& trailer = {}) {
-  return samples::fromObjects(
-      QStringList{u"<< /Type /Catalog /Pages 2 0 R %1 >>"_s.arg(catalog),
-                  u"<< /Type /Pages /Count 2 /Kids [3 0 R 4 0 R] /MediaBox [0 0 300 200] >>"_s,
-                  u"<< /Type /Page /Parent 2 0 R %1 >>"_s.arg(first),
-                  u"<< /Type /Page /Parent 2 0 R %1 >>"_s.arg(second)} +
-          more,
-      trailer);
-}
+using samples::twoPages;
 
 TEST(Merge, KeepsPageOrderSizesAndRotation) {
   const QString turned = twoPages(u""_s, u"/Rotate 90"_s,
@@ -240,36 +211,6 @@ TEST(Merge, PageLabelsAttachmentsAndAttributesAreKept) {
   EXPECT_EQ(std::get<QString>(
                 pdf::documentFacts(merged.path)->attributes[pdf::PDFDocumentTitleAttribute]),
             u"Sample"_s);
-}
-
-TEST(Merge, FilesThatCannotBeReadAreNamedAndLeftOut) {
-  const QString good = samples::pages({u"good"_s});
-  const QByteArray bytes = tools::contents(good);
-  const QStringList bad = {u"/no/such/file.pdf"_s,
-                           tools::file(u"empty.pdf"_s, ""),
-                           tools::file(u"text.pdf"_s, "not a PDF at all"),
-                           tools::file(u"header.pdf"_s, "%PDF-1.7\n"),
-                           samples::encrypted(good, u"secret"_s),
-                           samples::fromObjects({u"<< /Type /Catalog /Pages 2 0 R >>"_s,
-                                                 u"<< /Type /Pages /Count 0 /Kids [] >>"_s})};
-  const QString lostTable = tools::file(u"lost.pdf"_s, bytes.left(bytes.lastIndexOf("xref") - 200));
-  const Merged merged = merge(bad + QStringList{good, lostTable, samples::encrypted(good, u""_s)});
-  ASSERT_EQ(merged.skipped.size(), static_cast<size_t>(bad.size()));
-  for (size_t index = 0; index < merged.skipped.size(); ++index) {
-    EXPECT_EQ(merged.skipped[index].path, bad[static_cast<qsizetype>(index)]);
-    EXPECT_FALSE(merged.skipped[index].reason.localizedDescription.isEmpty());
-  }
-  EXPECT_EQ(merged.skipped[4].reason.code, pdf::PDFErrorEncrypted);
-  EXPECT_EQ(merged.skipped[5].reason.code, pdf::PDFErrorNoPages);
-  EXPECT_EQ(tools::text(merged.path), u"good good good"_s);
-
-  EXPECT_FALSE(pdf::mergeDocuments({{bad[0], {}}, {bad[2], {}}}));
-  EXPECT_FALSE(pdf::mergeDocuments({}));
-}
-
-TEST(Merge, MoreDocumentsThanFilesMayBeOpen) {
-  const QStringList many(1100, twoPages(u""_s, u""_s, u""_s));
-  EXPECT_EQ(pdf::documentFacts(merge(many).path)->pageCount(), 2200);
 }
 
 }  // namespace

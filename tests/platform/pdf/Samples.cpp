@@ -42,6 +42,17 @@ QString fromObjects(const QStringList& objects, const QString& trailer) {
   return tools::file(u"objects.pdf"_s, bytes);
 }
 
+QString twoPages(const QString& catalog, const QString& first, const QString& second,
+                 const QStringList& more, const QString& trailer) {
+  return fromObjects(
+      QStringList{u"<< /Type /Catalog /Pages 2 0 R %1 >>"_s.arg(catalog),
+                  u"<< /Type /Pages /Count 2 /Kids [3 0 R 4 0 R] /MediaBox [0 0 300 200] >>"_s,
+                  u"<< /Type /Page /Parent 2 0 R %1 >>"_s.arg(first),
+                  u"<< /Type /Page /Parent 2 0 R %1 >>"_s.arg(second)} +
+          more,
+      trailer);
+}
+
 imaging::PictureStrips picture(QSize size, const std::function<QRgb(int x, int y)>& pixel) {
   const QString path = tools::fresh(u"picture.png"_s);
   auto writer = imaging::PictureWriter::create(path, size, imaging::BitmapFileType::PNG);

@@ -17,6 +17,10 @@ QString pages(const QStringList& texts);
 /// table is right.
 QString fromObjects(const QStringList& objects, const QString& trailer = {});
 
+/// Two pages (objects 3 and 4) that inherit their size; objects from 5 on are the caller's.
+QString twoPages(const QString& catalog, const QString& first, const QString& second,
+                 const QStringList& more = {}, const QString& trailer = {});
+
 /// A picture file as the page engine's pictures are stored, and where its strips are.
 imaging::PictureStrips picture(QSize size, const std::function<QRgb(int x, int y)>& pixel);
 

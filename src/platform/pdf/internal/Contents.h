@@ -15,8 +15,6 @@ struct PDFDocument::Contents {
 
   std::unique_ptr<QPDF> holder;
   QPDF& qpdf;
-  /// The version of the format that the contents need; empty: what the document says itself.
-  std::string leastVersion;
   /// Documents whose pages were taken over: their files are read when this one is written.
   std::vector<std::shared_ptr<Contents>> origins;
 };

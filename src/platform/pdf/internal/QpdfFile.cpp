@@ -7,7 +7,6 @@
 #include <memory>
 #include <qpdf/Buffer.hh>
 #include <qpdf/BufferInputSource.hh>
-#include <qpdf/ClosedFileInputSource.hh>
 #include <qpdf/Pipeline.hh>
 #include <qpdf/QPDFExc.hh>
 #include <qpdf/QPDFWriter.hh>
@@ -68,13 +67,8 @@ void processMemory(QPDF& document, const QString& path, const QByteArray& bytes)
   document.getAllPages();
 }
 
-void processFile(QPDF& document, const QString& path, FileAccess access) {
-  const QByteArray name = QFile::encodeName(path);
-  if (access == FileAccess::OpenOnDemand) {
-    document.processInputSource(std::make_shared<ClosedFileInputSource>(name.constData()));
-  } else {
-    document.processFile(name.constData());
-  }
+void processFile(QPDF& document, const QString& path) {
+  document.processFile(QFile::encodeName(path).constData());
   document.getAllPages();
 }
 
@@ -95,13 +89,12 @@ class DevicePipeline : public Pipeline {
   QIODevice& device_;
 };
 
-void writeTo(QPDF& document, QIODevice& device, const std::string& leastVersion) {
+void writeTo(QPDF& document, QIODevice& device) {
   DevicePipeline pipeline(device);
   QPDFWriter writer(document);
   writer.setOutputPipeline(&pipeline);
   writer.setObjectStreamMode(qpdf_o_generate);
   writer.setPreserveEncryption(false);
-  if (!leastVersion.empty()) writer.setMinimumPDFVersion(leastVersion);
   writer.write();
 }
 
@@ -139,17 +132,27 @@ MaybeError catchingQpdf(int code, const QString& what, const std::function<void(
   }
 }
 
-Result<std::unique_ptr<QPDF>> openQpdf(const QString& path, FileAccess access) {
+void writePlainly(QPDF& document, QIODevice& device) {
+  DevicePipeline pipeline(device);
+  QPDFWriter writer(document);
+  writer.setOutputPipeline(&pipeline);
+  writer.setObjectStreamMode(qpdf_o_disable);
+  writer.setStreamDataMode(qpdf_s_preserve);
+  writer.setPreserveEncryption(false);
+  writer.write();
+}
+
+Result<std::unique_ptr<QPDF>> openQpdf(const QString& path) {
   qint64 size = 0;
   if (MaybeError error = checkHeader(path, size)) return tl::unexpected(*error);
-  const bool inMemory = access == FileAccess::Quick && size <= largestInMemory;
+  const bool inMemory = size <= largestInMemory;
   const QByteArray bytes = inMemory ? readWhole(path) : QByteArray();
   auto document = newQpdf();
   MaybeError error = attempt(path, [&] {
     if (inMemory) {
       processMemory(*document, path, bytes);
     } else {
-      processFile(*document, path, access);
+      processFile(*document, path);
     }
   });
   if (error && error->code == PDFErrorUnreadable && inMemory) {
@@ -161,12 +164,11 @@ Result<std::unique_ptr<QPDF>> openQpdf(const QString& path, FileAccess access) {
   return document;
 }
 
-MaybeError writeQpdf(QPDF& document, const QString& path, const std::string& leastVersion) {
+MaybeError writeQpdf(QPDF& document, const QString& path) {
   QSaveFile file(path);
   const QString what = u"The document \"%1\" cannot be written: "_s.arg(path);
   if (!file.open(QIODevice::WriteOnly)) return pdfError(PDFErrorWrite, what + file.errorString());
-  if (MaybeError error =
-          catchingQpdf(PDFErrorWrite, what, [&] { writeTo(document, file, leastVersion); }))
+  if (MaybeError error = catchingQpdf(PDFErrorWrite, what, [&] { writeTo(document, file); }))
     return error;
   // What waits in the buffer is not looked at by commit.
   if (!file.flush() || !file.commit()) return pdfError(PDFErrorWrite, what + file.errorString());

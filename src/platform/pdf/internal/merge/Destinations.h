@@ -10,15 +10,19 @@ namespace pdf {
 class DocumentDestinations {
  public:
   /// `documentNumber` counts from 1.
-  DocumentDestinations(QPDF& source, const NameTree& taken, size_t documentNumber);
+  DocumentDestinations(const SourceFile& source, const NameTexts& taken, size_t documentNumber);
 
   void rename(Renaming& renaming) const;
-  NameTree copy(ObjectCopier& copier) const;
+  void copy(ObjectCopier& copier, NameTexts& joined) const;
 
  private:
   Renaming::Names oldStyleNames_;
   Renaming::Names names_;
   NameTree destinations_;  ///< the source's, under their new names
 };
+
+/// A name that neither set has, numbered from `number` when it is taken.
+std::string freeName(const std::string& wish, size_t number, const NameTexts& taken,
+                     const NameTree& own);
 
 }  // namespace pdf

@@ -14,7 +14,7 @@ class PageFields {
  public:
   PageFields(QPDF& document, QPDFPageObjectHelper page) : document_(document), page_(page) {}
 
-  void draw(ObjectCopier& copier) {
+  void draw() {
     QPDFObjectHandle annotations = page_.getObjectHandle().getKey("/Annots");
     if (!annotations.isArray()) return;
     QPDFObjectHandle others = QPDFObjectHandle::newArray();
@@ -24,9 +24,12 @@ class PageFields {
         continue;
       }
       drawField(QPDFAnnotationObjectHelper(annotation));
-      if (annotation.isIndirect()) copier.leaveOut(annotation);
+      // The tags can refer to it.
+      if (annotation.isIndirect()) gone_.push_back(annotation.getObjGen());
     }
     page_.getObjectHandle().replaceKey("/Annots", others);
+    for (const QPDFObjGen& field : gone_)
+      document_.replaceObject(field, QPDFObjectHandle::newNull());
     if (content_.empty()) return;
     page_.addPageContents(QPDFObjectHandle::newStream(&document_, "q\n"), true);
     page_.addPageContents(QPDFObjectHandle::newStream(&document_, "\nQ\n" + content_), false);
@@ -58,17 +61,19 @@ class PageFields {
   QPDF& document_;
   QPDFPageObjectHelper page_;
   std::string content_;
+  std::vector<QPDFObjGen> gone_;
 };
 
 }  // namespace
 
-void drawFields(QPDF& document, ObjectCopier& copier) {
+void drawFields(QPDF& document) {
   QPDFAcroFormDocumentHelper form(document);
   if (!form.hasAcroForm()) return;
   form.generateAppearancesIfNeeded();
   for (const QPDFPageObjectHelper& page : QPDFPageDocumentHelper(document).getAllPages()) {
-    PageFields(document, page).draw(copier);
+    PageFields(document, page).draw();
   }
+  document.getRoot().removeKey("/AcroForm");
 }
 
 }  // namespace pdf

@@ -2,12 +2,10 @@
 
 #include <qpdf/QPDF.hh>
 
-#include "platform/pdf/internal/merge/ObjectCopier.h"
-
 namespace pdf {
 
 /// Draws a document's visible form fields as they look into their pages' contents and takes the
 /// fields away.
-void drawFields(QPDF& document, ObjectCopier& copier);
+void drawFields(QPDF& document);
 
 }  // namespace pdf

@@ -1,71 +1,66 @@
 #include "platform/pdf/internal/merge/Layers.h"
 
+#include <algorithm>
+
 namespace pdf {
 namespace {
 
 constexpr const char* listKeys[] = {"/ON", "/OFF", "/Order", "/RBGroups", "/Locked", "/AS"};
 
-std::vector<QPDFObjectHandle> copyItems(QPDFObjectHandle array, ObjectCopier& copier) {
-  std::vector<QPDFObjectHandle> copies;
+using Texts = std::vector<std::string>;
+
+Texts copyItems(const Value& array, ObjectCopier& copier) {
+  Texts copies;
   if (!array.isArray()) return copies;
-  for (const QPDFObjectHandle& item : array.getArrayAsVector())
+  for (const Value& item : array.items())
     copies.push_back(copier.copy(item));
   return copies;
 }
 
-bool isOffByDefault(QPDFObjectHandle configuration) {
-  QPDFObjectHandle state = configuration.getKey("/BaseState");
-  return state.isName() && state.getName() == "/OFF";
-}
-
 /// The joined document is on by default, so groups that were off without being named are named.
-std::vector<QPDFObjectHandle> groupsOff(const Layers& layers) {
-  std::set<QPDFObjGen> on;
-  const auto listed = layers.lists.find("/ON");
-  if (listed != layers.lists.end()) {
-    for (const QPDFObjectHandle& group : listed->second)
-      on.insert(group.getObjGen());
-  }
-  std::vector<QPDFObjectHandle> off;
-  for (const QPDFObjectHandle& group : layers.groups) {
-    if (on.count(group.getObjGen()) == 0) off.push_back(group);
+Texts groupsOff(const Texts& groups, const Texts& on) {
+  Texts off;
+  for (const std::string& group : groups) {
+    if (std::find(on.begin(), on.end(), group) == on.end()) off.push_back(group);
   }
   return off;
 }
 
+void append(Texts& joined, const Texts& more) {
+  joined.insert(joined.end(), more.begin(), more.end());
+}
+
+std::string arrayText(const Texts& items) {
+  std::string text = "[";
+  for (const std::string& item : items)
+    text += item + ' ';
+  return text + "]";
+}
+
 }  // namespace
 
-Layers copyLayers(QPDF& source, ObjectCopier& copier) {
-  Layers layers;
-  QPDFObjectHandle properties = source.getRoot().getKey("/OCProperties");
-  if (!properties.isDictionary()) return layers;
-  layers.groups = copyItems(properties.getKey("/OCGs"), copier);
-  QPDFObjectHandle configuration = properties.getKey("/D");
-  if (layers.groups.empty() || !configuration.isDictionary()) return layers;
+void copyLayers(const SourceFile& source, ObjectCopier& copier, Layers& joined) {
+  const Value& properties = source.rootEntry("/OCProperties");
+  const Texts groups = copyItems(source.resolved(properties["/OCGs"]), copier);
+  append(joined.groups, groups);
+  const Value& configuration = source.resolved(properties["/D"]);
+  if (groups.empty() || !configuration.isDictionary()) return;
+  std::map<std::string, Texts> lists;
   for (const char* key : listKeys)
-    layers.lists[key] = copyItems(configuration.getKey(key), copier);
-  if (isOffByDefault(configuration)) layers.lists["/OFF"] = groupsOff(layers);
-  return layers;
+    lists[key] = copyItems(source.resolved(configuration[key]), copier);
+  if (source.resolved(configuration["/BaseState"]).isName("/OFF"))
+    lists["/OFF"] = groupsOff(groups, lists["/ON"]);
+  for (const auto& [key, items] : lists)
+    append(joined.lists[key], items);
 }
 
-void append(Layers& joined, const Layers& more) {
-  joined.groups.insert(joined.groups.end(), more.groups.begin(), more.groups.end());
-  for (const auto& [key, items] : more.lists) {
-    std::vector<QPDFObjectHandle>& list = joined.lists[key];
-    list.insert(list.end(), items.begin(), items.end());
-  }
-}
-
-void writeLayers(QPDF& document, const Layers& layers) {
-  if (layers.groups.empty()) return;
-  QPDFObjectHandle configuration = QPDFObjectHandle::newDictionary();
+std::string layerProperties(const Layers& layers) {
+  if (layers.groups.empty()) return {};
+  std::string configuration;
   for (const auto& [key, items] : layers.lists) {
-    if (!items.empty()) configuration.replaceKey(key, QPDFObjectHandle::newArray(items));
+    if (!items.empty()) configuration += key + arrayText(items);
   }
-  QPDFObjectHandle properties = QPDFObjectHandle::newDictionary();
-  properties.replaceKey("/OCGs", QPDFObjectHandle::newArray(layers.groups));
-  properties.replaceKey("/D", configuration);
-  document.getRoot().replaceKey("/OCProperties", properties);
+  return "<</OCGs" + arrayText(layers.groups) + "/D<<" + configuration + ">>>>";
 }
 
 }  // namespace pdf

@@ -9,14 +9,15 @@
 namespace pdf {
 
 /// Optional content (ISO 32000-1, 8.11): the groups, and the lists of the default configuration by
-/// their keys.
+/// their keys. Texts for the joined document.
 struct Layers {
-  std::vector<QPDFObjectHandle> groups;
-  std::map<std::string, std::vector<QPDFObjectHandle>> lists;
+  std::vector<std::string> groups;
+  std::map<std::string, std::vector<std::string>> lists;
 };
 
-Layers copyLayers(QPDF& source, ObjectCopier& copier);
-void append(Layers& joined, const Layers& more);
-void writeLayers(QPDF& document, const Layers& layers);
+void copyLayers(const SourceFile& source, ObjectCopier& copier, Layers& joined);
+
+/// The value of the catalog's /OCProperties; empty when there are no layers.
+std::string layerProperties(const Layers& layers);
 
 }  // namespace pdf

@@ -1,196 +1,200 @@
 #include "platform/pdf/internal/merge/ObjectCopier.h"
 
+#include <algorithm>
+
 namespace pdf {
 namespace {
 
-/// qpdf reads no deeper nesting of direct objects.
-constexpr int deepest = 500;
+constexpr int unknown = 0;
+constexpr int nowhere = -1;
 
-bool hasType(QPDFObjectHandle object, const char* first, const char* second, const char* third) {
-  if (!object.isDictionary()) return false;
-  QPDFObjectHandle type = object.getKey("/Type");
-  if (!type.isName()) return false;
-  const std::string name = type.getName();
-  return name == first || name == second || name == third;
+constexpr char leftOut[] = "null";
+
+bool isPageTree(const Value& value) {
+  const Value& type = value["/Type"];
+  return type.isName("/Page") || type.isName("/Pages") || type.isName("/Catalog");
 }
 
-/// The entries that say how a stream's bytes are packed; they are read together with the bytes.
-QPDFObjectHandle packing(QPDFObjectHandle dictionary) {
-  QPDFObjectHandle entries = QPDFObjectHandle::newDictionary();
-  for (const char* key : {"/Filter", "/DecodeParms"}) {
-    if (dictionary.hasKey(key)) entries.replaceKey(key, dictionary.getKey(key));
-  }
-  return entries;
+/// Keeps words apart that would be read as one; a name can be empty, only its slash.
+void appendWord(std::string& text, std::string_view word) {
+  const bool joins = !text.empty() && (isRegular(text.back()) || text.back() == '/');
+  if (joins && isRegular(word.front())) text += ' ';
+  text += word;
 }
 
-/// The length is written anew with the bytes.
-bool isPacking(const std::string& key) {
-  return key == "/Filter" || key == "/DecodeParms" || key == "/Length";
+std::string renamedName(const Value& value, const Renaming::Names& names) {
+  const auto found = names.find(value.bytes());
+  return found == names.end() ? std::string(value.text) : nameText(found->second);
 }
 
-QPDFObjectHandle renamedName(QPDFObjectHandle value, const Renaming::Names& names) {
-  const auto found = names.find(value.getName());
-  return found == names.end() ? value : QPDFObjectHandle::newName(found->second);
-}
-
-QPDFObjectHandle renamedString(QPDFObjectHandle value, const Renaming::Names& names) {
-  const auto found = names.find(value.getStringValue());
-  return found == names.end() ? value : QPDFObjectHandle::newString(found->second);
-}
-
-/// A name, or names in an array; what else the array holds stays.
-QPDFObjectHandle renamedNames(QPDFObjectHandle value, const Renaming::Names& names) {
-  if (value.isName()) return renamedName(value, names);
-  QPDFObjectHandle array = QPDFObjectHandle::newArray();
-  for (QPDFObjectHandle& item : value.getArrayAsVector()) {
-    array.appendItem(item.isName()       ? renamedName(item, names)
-                     : item.isIndirect() ? QPDFObjectHandle::newNull()
-                                         : item);
-  }
-  return array;
-}
-
-QPDFObjectHandle renamedStrings(QPDFObjectHandle value, const Renaming::Names& names) {
-  QPDFObjectHandle array = QPDFObjectHandle::newArray();
-  for (QPDFObjectHandle& item : value.getArrayAsVector()) {
-    if (item.isString()) array.appendItem(renamedString(item, names));
-  }
-  return array;
+std::string renamedString(const Value& value, const Renaming::Names& names) {
+  const auto found = names.find(value.bytes());
+  return found == names.end() ? std::string(value.text) : stringText(found->second);
 }
 
 }  // namespace
 
-QPDFObjectHandle ObjectCopier::copy(QPDFObjectHandle source) {
-  return copyValue(source, 0);
+ObjectCopier::ObjectCopier(const SourceFile& source, CompactFile& target, ResourcePool& pool)
+    : source_(source),
+      target_(target),
+      pool_(pool),
+      sharing_(source),
+      copies_(static_cast<size_t>(source.objectCount()), unknown) {}
+
+std::string ObjectCopier::copy(const Value& value) {
+  std::string text;
+  append(text, value);
+  return text;
 }
 
-void ObjectCopier::copyEntries(QPDFObjectHandle source, QPDFObjectHandle target,
-                               const std::set<std::string>& except) {
-  const Entries entries = source.getDictAsMap();
-  for (const auto& [key, value] : entries) {
-    if (except.count(key) > 0) continue;
-    const auto other = renamed(key, value, entries);
-    target.replaceKey(key, other ? *other : copyValue(value, 0));
-  }
+std::string ObjectCopier::copyEntries(const Value& dictionary,
+                                      std::initializer_list<std::string_view> except) {
+  std::string text;
+  appendEntries(text, dictionary, except);
+  return text;
 }
 
 void ObjectCopier::finish() {
-  while (!pending_.empty()) {
-    Pending next = pending_.front();
-    pending_.pop_front();
-    if (next.copy.isStream()) {
-      copyEntries(next.source, next.copy.getDict(), {});
-    } else if (next.source.isDictionary()) {
-      target_.replaceObject(next.copy.getObjGen(), copyDictionary(next.source, 0));
-    } else if (next.source.isArray()) {
-      target_.replaceObject(next.copy.getObjGen(), copyArray(next.source, 0));
+  for (; !pending_.empty(); pending_.pop_front()) {
+    const int object = pending_.front(), copy = copies_[static_cast<size_t>(object)];
+    const std::string text = objectText(object);
+    if (const auto data = source_.data(object)) {
+      target_.writeStream(copy, text, *data);
+    } else {
+      target_.writeObject(copy, text);
     }
   }
 }
 
-QPDFObjectHandle ObjectCopier::copyReference(QPDFObjectHandle source) {
-  const auto known = copies_.find(source.getObjGen());
-  if (known != copies_.end()) return known->second;
-  std::optional<QByteArray> digest;
-  if (ContentDigest::isResource(source)) digest = digest_.of(source);
-  if (digest) {
-    if (const auto shared = pool_.find(*digest)) {
-      map(source, *shared);
-      return *shared;
-    }
+/// The length of a stream is written anew with its bytes.
+std::string ObjectCopier::objectText(int object) {
+  const Value& value = source_.object(object);
+  if (!value.isDictionary()) return copy(value);
+  std::string text = "<<";
+  source_.data(object) ? appendEntries(text, value, {"/Length"}) : appendEntries(text, value, {});
+  const auto added = added_.find(object);
+  if (added != added_.end()) text += added->second;
+  return text + ">>";
+}
+
+void ObjectCopier::append(std::string& text, const Value& value) {
+  switch (value.kind) {
+    case Value::Kind::Null:
+      return appendWord(text, leftOut);
+    case Value::Kind::Reference:
+      return appendReference(text, value.reference);
+    case Value::Kind::Dictionary:
+      text += "<<";
+      appendEntries(text, value, {});
+      text += ">>";
+      return;
+    case Value::Kind::Array:
+      text += '[';
+      for (const Value& item : value.items())
+        append(text, item);
+      text += ']';
+      return;
+    default:
+      return appendWord(text, value.text);
   }
-  const QPDFObjectHandle copy = copyIndirect(source);
-  map(source, copy);
-  if (digest) pool_.add(*digest, copy);
+}
+
+void ObjectCopier::appendEntries(std::string& text, const Value& dictionary,
+                                 std::initializer_list<std::string_view> except) {
+  const Value& kind = dictionary["/S"];
+  const Dictionary described{kind, !kind.isNull() && !dictionary["/P"].isNull()};
+  for (std::uint32_t index = 0; index < dictionary.count; index += 2) {
+    const std::string_view key = dictionary.items()[index].text;
+    const Value& value = dictionary.items()[index + 1];
+    if (std::find(except.begin(), except.end(), key) != except.end()) continue;
+    text += key;
+    const auto other = renamed(key, value, described);
+    other ? appendWord(text, *other) : append(text, value);
+  }
+}
+
+/// Numbers, names and strings are not worth an object of their own.
+void ObjectCopier::appendReference(std::string& text, int object) {
+  const Value& value = source_.object(object);
+  const bool isCompound = value.isDictionary() || value.isArray();
+  if (!isCompound) return append(text, value);
+  const int copy = copyOf(object);
+  appendWord(text, copy == nowhere ? leftOut : referenceText(copy));
+}
+
+int ObjectCopier::copyOf(int object) {
+  int copy = copies_[static_cast<size_t>(object)];
+  if (copy != unknown) return copy;
+  if (sharing_.isShared(object)) {
+    const std::string text = objectText(object);
+    const auto data = source_.data(object);
+    copy = data ? pool_.stream(text, *data, source_.dataHash(object)) : pool_.object(text);
+  } else if (isPageTree(source_.object(object))) {
+    // Pages have their copies; one that is met here belongs to no page tree.
+    copy = nowhere;
+  } else {
+    copy = target_.reserve();
+    pending_.push_back(object);
+  }
+  map(object, copy);
   return copy;
 }
 
-QPDFObjectHandle ObjectCopier::copyIndirect(QPDFObjectHandle source) {
-  if (source.isStream()) return copyStream(source);
-  // Pages have their copies; one that is met here belongs to no page tree.
-  if (hasType(source, "/Page", "/Pages", "/Catalog")) return QPDFObjectHandle::newNull();
-  if (!source.isDictionary() && !source.isArray())
-    return source.isScalar() ? source.shallowCopy() : source;
-  const QPDFObjectHandle copy = QPDFObjectHandle::newReserved(&target_);
-  pending_.push_back({source, copy});
-  return copy;
-}
-
-/// The bytes stay where they are until the target is written.
-QPDFObjectHandle ObjectCopier::copyStream(QPDFObjectHandle source) {
-  QPDFObjectHandle dictionary = source.getDict();
-  source.replaceDict(packing(dictionary));
-  const QPDFObjectHandle copy = target_.copyForeignObject(source);
-  QPDFObjectHandle own = QPDFObjectHandle::newDictionary();
-  for (const auto& [key, value] : dictionary.getDictAsMap()) {
-    if (!isPacking(key)) own.replaceKey(key, value);
-  }
-  pending_.push_back({own, copy});
-  return copy;
-}
-
-QPDFObjectHandle ObjectCopier::copyValue(QPDFObjectHandle source, int depth) {
-  if (source.isIndirect()) return copyReference(source);
-  if (depth > deepest) return QPDFObjectHandle::newNull();
-  if (source.isArray()) return copyArray(source, depth + 1);
-  if (source.isDictionary()) return copyDictionary(source, depth + 1);
-  return source.shallowCopy();
-}
-
-QPDFObjectHandle ObjectCopier::copyArray(QPDFObjectHandle source, int depth) {
-  std::vector<QPDFObjectHandle> items = source.getArrayAsVector();
-  for (QPDFObjectHandle& item : items)
-    item = copyValue(item, depth);
-  return QPDFObjectHandle::newArray(items);
-}
-
-QPDFObjectHandle ObjectCopier::copyDictionary(QPDFObjectHandle source, int depth) {
-  const Entries entries = source.getDictAsMap();
-  Entries copies;
-  for (const auto& [key, value] : entries) {
-    const auto other = renamed(key, value, entries);
-    copies.emplace_hint(copies.end(), key, other ? *other : copyValue(value, depth));
-  }
-  return QPDFObjectHandle::newDictionary(copies);
-}
-
-std::optional<QPDFObjectHandle> ObjectCopier::renamed(const std::string& key,
-                                                      QPDFObjectHandle value,
-                                                      const Entries& entries) {
-  if (key == "/Dest") return renamedDestination(value);
+std::optional<std::string> ObjectCopier::renamed(std::string_view key, const Value& value,
+                                                 const Dictionary& dictionary) const {
+  if (key == "/Dest") return renamedDestination(source_.resolved(value));
   if (key == "/StructParent" || key == "/StructParents") {
-    if (!value.isInteger() || !renaming_.tagNumberOffset) return QPDFObjectHandle::newNull();
-    return QPDFObjectHandle::newInteger(value.getIntValue() + *renaming_.tagNumberOffset);
+    const auto number = source_.resolved(value).integer();
+    if (!number || !renaming_.tagNumberOffset) return leftOut;
+    return std::to_string(*number + *renaming_.tagNumberOffset);
   }
-  const auto kind = entries.find("/S");
-  if (kind == entries.end()) {
-    const bool headers = key == "/Headers" && value.isArray();
-    return headers ? std::optional(renamedStrings(value, renaming_.elementIdentifiers))
-                   : std::nullopt;
+  if (dictionary.kind.isNull()) {
+    const Value& headers = source_.resolved(value);
+    if (key != "/Headers" || !headers.isArray()) return std::nullopt;
+    return renamedStrings(headers, renaming_.elementIdentifiers);
   }
-  QPDFObjectHandle name = kind->second;
-  if (key == "/D" && name.isName() && name.getName() == "/GoTo") return renamedDestination(value);
-  return entries.count("/P") > 0 ? renamedTag(key, value) : std::nullopt;
+  if (key == "/D" && dictionary.kind.isName("/GoTo"))
+    return renamedDestination(source_.resolved(value));
+  return dictionary.isElement ? renamedTag(key, source_.resolved(value)) : std::nullopt;
 }
 
-std::optional<QPDFObjectHandle> ObjectCopier::renamedDestination(QPDFObjectHandle value) const {
+std::optional<std::string> ObjectCopier::renamedDestination(const Value& value) const {
   if (!value.isName() && !value.isString()) return std::nullopt;
   const Renaming::Names& names =
       value.isName() ? renaming_.oldStyleDestinations : renaming_.destinations;
-  const auto found = names.find(value.isName() ? value.getName() : value.getStringValue());
-  return found == names.end() ? QPDFObjectHandle::newNull()
-                              : QPDFObjectHandle::newString(found->second);
+  const auto found = names.find(value.bytes());
+  return found == names.end() ? leftOut : stringText(found->second);
 }
 
 /// Entries of a structure element (ISO 32000-1, table 323).
-std::optional<QPDFObjectHandle> ObjectCopier::renamedTag(const std::string& key,
-                                                         QPDFObjectHandle value) const {
-  if (key == "/S" && value.isName()) return renamedName(value, renaming_.roles);
+std::optional<std::string> ObjectCopier::renamedTag(std::string_view key,
+                                                    const Value& value) const {
+  if (key == "/S" && value.isName() && !renaming_.roles.empty())
+    return renamedName(value, renaming_.roles);
   if (key == "/ID" && value.isString()) return renamedString(value, renaming_.elementIdentifiers);
-  if (key == "/C" && !renaming_.classes.empty() && (value.isName() || value.isArray())) {
+  if (key == "/C" && !renaming_.classes.empty() && (value.isName() || value.isArray()))
     return renamedNames(value, renaming_.classes);
-  }
   return std::nullopt;
+}
+
+/// A name, or names in an array; of what else the array holds only numbers stay.
+std::string ObjectCopier::renamedNames(const Value& value, const Renaming::Names& names) const {
+  if (value.isName()) return renamedName(value, names);
+  std::string text = "[";
+  for (const Value& item : value.items()) {
+    const Value& plain = source_.resolved(item);
+    if (plain.isName()) text += renamedName(plain, names);
+    if (plain.integer()) appendWord(text, plain.text);
+  }
+  return text + "]";
+}
+
+std::string ObjectCopier::renamedStrings(const Value& value, const Renaming::Names& names) const {
+  std::string text = "[";
+  for (const Value& item : value.items()) {
+    if (source_.resolved(item).isString()) text += renamedString(source_.resolved(item), names);
+  }
+  return text + "]";
 }
 
 }  // namespace pdf

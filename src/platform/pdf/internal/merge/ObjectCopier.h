@@ -2,65 +2,68 @@
 
 #include <deque>
 #include <map>
-#include <qpdf/QPDF.hh>
-#include <set>
+#include <string>
+#include <vector>
 
+#include "platform/pdf/internal/merge/CompactFile.h"
 #include "platform/pdf/internal/merge/Renaming.h"
 #include "platform/pdf/internal/merge/ResourcePool.h"
+#include "platform/pdf/internal/merge/SourceFile.h"
 
 namespace pdf {
 
 /// Copies objects of one document into another and renames on the way. References to pages lead to
 /// the pages' copies; those to the document's own catalog and page tree lead nowhere. Resources
-/// that the target has already are not copied. The source must not be used for anything else
-/// afterwards: its streams lose their entries.
+/// that the target has already are not copied.
 class ObjectCopier {
  public:
-  ObjectCopier(QPDF& target, ResourcePool& pool) : target_(target), pool_(pool) {}
+  ObjectCopier(const SourceFile& source, CompactFile& target, ResourcePool& pool);
 
   Renaming& renaming() { return renaming_; }
 
-  /// References to `source` become references to `copy`, which the caller fills.
-  void map(QPDFObjectHandle source, QPDFObjectHandle copy) {
-    copies_.insert_or_assign(source.getObjGen(), copy);
-  }
+  /// References to the object `source` become references to `copy`, which the caller writes.
+  void map(int source, int copy) { copies_.at(static_cast<size_t>(source)) = copy; }
 
-  /// References to `source` become null.
-  void leaveOut(QPDFObjectHandle source) { map(source, QPDFObjectHandle::newNull()); }
+  /// Adds an entry to the copy of a dictionary.
+  void addEntry(int source, const std::string& entry) { added_[source] += entry; }
 
-  /// A copy for use in the target. What it refers to is complete after `finish`.
-  QPDFObjectHandle copy(QPDFObjectHandle source);
+  /// The value's text for use in the target. What it refers to is complete after `finish`.
+  std::string copy(const Value& value);
 
-  /// The entries of a dictionary, copied into an existing one. `except` stay behind.
-  void copyEntries(QPDFObjectHandle source, QPDFObjectHandle target,
-                   const std::set<std::string>& except);
+  /// The entries of a dictionary, without its brackets. `except` stay behind.
+  std::string copyEntries(const Value& dictionary,
+                          std::initializer_list<std::string_view> except = {});
 
   void finish();
 
  private:
-  struct Pending {
-    QPDFObjectHandle source;
-    QPDFObjectHandle copy;
+  /// What decides how the entries of a dictionary are renamed.
+  struct Dictionary {
+    const Value& kind;  ///< its /S
+    bool isElement;     ///< of the structure tree
   };
-  using Entries = std::map<std::string, QPDFObjectHandle>;
 
-  QPDFObjectHandle copyReference(QPDFObjectHandle source);
-  QPDFObjectHandle copyIndirect(QPDFObjectHandle source);
-  QPDFObjectHandle copyStream(QPDFObjectHandle source);
-  QPDFObjectHandle copyValue(QPDFObjectHandle source, int depth);
-  QPDFObjectHandle copyArray(QPDFObjectHandle source, int depth);
-  QPDFObjectHandle copyDictionary(QPDFObjectHandle source, int depth);
-  std::optional<QPDFObjectHandle> renamed(const std::string& key, QPDFObjectHandle value,
-                                          const Entries& entries);
-  std::optional<QPDFObjectHandle> renamedDestination(QPDFObjectHandle value) const;
-  std::optional<QPDFObjectHandle> renamedTag(const std::string& key, QPDFObjectHandle value) const;
+  void append(std::string& text, const Value& value);
+  void appendReference(std::string& text, int object);
+  void appendEntries(std::string& text, const Value& dictionary,
+                     std::initializer_list<std::string_view> except);
+  int copyOf(int object);
+  std::string objectText(int object);
+  std::optional<std::string> renamed(std::string_view key, const Value& value,
+                                     const Dictionary& dictionary) const;
+  std::optional<std::string> renamedDestination(const Value& value) const;
+  std::optional<std::string> renamedTag(std::string_view key, const Value& value) const;
+  std::string renamedNames(const Value& value, const Renaming::Names& names) const;
+  std::string renamedStrings(const Value& value, const Renaming::Names& names) const;
 
-  QPDF& target_;
+  const SourceFile& source_;
+  CompactFile& target_;
   ResourcePool& pool_;
-  ContentDigest digest_;
+  Sharing sharing_;
   Renaming renaming_;
-  std::map<QPDFObjGen, QPDFObjectHandle> copies_;
-  std::deque<Pending> pending_;
+  std::vector<int> copies_;  ///< by the source's numbers
+  std::map<int, std::string> added_;
+  std::deque<int> pending_;
 };
 
 }  // namespace pdf

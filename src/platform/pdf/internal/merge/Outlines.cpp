@@ -1,8 +1,7 @@
 #include "platform/pdf/internal/merge/Outlines.h"
 
 #include <optional>
-
-#include "platform/pdf/internal/QpdfText.h"
+#include <set>
 
 namespace pdf {
 namespace {
@@ -11,74 +10,68 @@ namespace {
 /// end.
 class OutlineWalk {
  public:
+  explicit OutlineWalk(const SourceFile& source) : source_(source) {}
+
   /// Nothing when the outline is damaged: an item twice, or one that is no object of its own.
-  std::optional<int> visibleItems(QPDFObjectHandle first) {
+  std::optional<int> visibleItems(const Value& first) {
     std::vector<Level> levels{{first, true}};
     while (!levels.empty()) {
-      QPDFObjectHandle item = levels.back().next;
+      const Value next = levels.back().next;
+      const Value& item = source_.resolved(next);
       if (item.isNull()) {
         levels.pop_back();
         continue;
       }
-      if (!item.isDictionary() || !item.isIndirect() || !seen_.insert(item.getObjGen()).second)
+      if (!item.isDictionary() || !next.isReference() || !seen_.insert(next.reference).second)
         return std::nullopt;
       const bool shows = levels.back().shows;
       if (shows) ++visible_;
-      levels.back().next = item.getKey("/Next");
-      QPDFObjectHandle count = item.getKey("/Count");
-      levels.push_back(
-          {item.getKey("/First"), shows && count.isInteger() && count.getIntValue() > 0});
+      levels.back().next = item["/Next"];
+      const bool isOpen = source_.resolved(item["/Count"]).integer().value_or(0) > 0;
+      levels.push_back({item["/First"], shows && isOpen});
     }
     return visible_;
   }
 
  private:
   struct Level {
-    QPDFObjectHandle next;
+    Value next;
     bool shows;
   };
-  std::set<QPDFObjGen> seen_;
+  const SourceFile& source_;
+  std::set<int> seen_;
   int visible_ = 0;
 };
 
-QPDFObjectHandle topOf(QPDFObjectHandle page) {
-  return QPDFObjectHandle::newArray(std::vector<QPDFObjectHandle>{
-      page, QPDFObjectHandle::newName("/XYZ"), QPDFObjectHandle::newNull(),
-      QPDFObjectHandle::newNull(), QPDFObjectHandle::newNull()});
-}
-
 }  // namespace
 
-QPDFObjectHandle outlineHeading(QPDF& target, QPDF& source, ObjectCopier& copier,
-                                const QString& title, QPDFObjectHandle page) {
-  QPDFObjectHandle heading = target.makeIndirectObject(QPDFObjectHandle::newDictionary());
-  heading.replaceKey("/Title", textObject(title));
-  heading.replaceKey("/Dest", topOf(page));
-  QPDFObjectHandle outline = source.getRoot().getKey("/Outlines");
-  if (!outline.isDictionary() || !outline.isIndirect()) return heading;
-  const auto items = OutlineWalk().visibleItems(outline.getKey("/First"));
-  if (!items || *items == 0 || !outline.getKey("/Last").isDictionary()) return heading;
-  copier.map(outline, heading);
-  heading.replaceKey("/First", copier.copy(outline.getKey("/First")));
-  heading.replaceKey("/Last", copier.copy(outline.getKey("/Last")));
-  heading.replaceKey("/Count", QPDFObjectHandle::newInteger(-*items));
+Heading outlineHeading(CompactFile& target, const SourceFile& source, ObjectCopier& copier,
+                       const std::string& title, int page) {
+  Heading heading{target.reserve(),
+                  "/Title" + title + "/Dest[" + referenceText(page) + "/XYZ null null null]"};
+  const Value& reference = source.root()["/Outlines"];
+  const Value& outline = source.resolved(reference);
+  if (!outline.isDictionary() || !reference.isReference()) return heading;
+  const auto items = OutlineWalk(source).visibleItems(outline["/First"]);
+  if (!items || *items == 0 || !source.resolved(outline["/Last"]).isDictionary()) return heading;
+  copier.map(reference.reference, heading.object);
+  heading.entries += "/First " + copier.copy(outline["/First"]) + "/Last " +
+                     copier.copy(outline["/Last"]) + "/Count " + std::to_string(-*items);
   return heading;
 }
 
-void writeOutline(QPDF& document, const std::vector<QPDFObjectHandle>& headings) {
-  if (headings.empty()) return;
-  QPDFObjectHandle outline = document.makeIndirectObject(QPDFObjectHandle::newDictionary());
-  outline.replaceKey("/Type", QPDFObjectHandle::newName("/Outlines"));
-  outline.replaceKey("/First", headings.front());
-  outline.replaceKey("/Last", headings.back());
-  outline.replaceKey("/Count", QPDFObjectHandle::newInteger(static_cast<int>(headings.size())));
+int writeOutline(CompactFile& target, const std::vector<Heading>& headings) {
+  const int outline = target.reserve();
   for (size_t index = 0; index < headings.size(); ++index) {
-    QPDFObjectHandle heading = headings[index];
-    heading.replaceKey("/Parent", outline);
-    if (index > 0) heading.replaceKey("/Prev", headings[index - 1]);
-    if (index + 1 < headings.size()) heading.replaceKey("/Next", headings[index + 1]);
+    std::string text = "<<" + headings[index].entries + "/Parent " + referenceText(outline);
+    if (index > 0) text += "/Prev " + referenceText(headings[index - 1].object);
+    if (index + 1 < headings.size()) text += "/Next " + referenceText(headings[index + 1].object);
+    target.writeObject(headings[index].object, text + ">>");
   }
-  document.getRoot().replaceKey("/Outlines", outline);
+  target.writeObject(outline, "<</Type/Outlines/First " + referenceText(headings.front().object) +
+                                  "/Last " + referenceText(headings.back().object) + "/Count " +
+                                  std::to_string(headings.size()) + ">>");
+  return outline;
 }
 
 }  // namespace pdf

@@ -1,17 +1,24 @@
 #pragma once
 
-#include <QString>
+#include <string>
 #include <vector>
 
 #include "platform/pdf/internal/merge/ObjectCopier.h"
 
 namespace pdf {
 
-/// A heading for a document in the joined document's outline, over a copy of the document's own
-/// outline. It leads to `page` and is closed.
-QPDFObjectHandle outlineHeading(QPDF& target, QPDF& source, ObjectCopier& copier,
-                                const QString& title, QPDFObjectHandle page);
+/// A document's heading in the joined document's outline.
+struct Heading {
+  int object = 0;
+  std::string entries;  ///< without those that tie it to its neighbours
+};
 
-void writeOutline(QPDF& document, const std::vector<QPDFObjectHandle>& headings);
+/// A heading over a copy of the document's own outline. It leads to the page `page` of the target
+/// and is closed. `title` is a string object's text.
+Heading outlineHeading(CompactFile& target, const SourceFile& source, ObjectCopier& copier,
+                       const std::string& title, int page);
+
+/// Returns the outline's object.
+int writeOutline(CompactFile& target, const std::vector<Heading>& headings);
 
 }  // namespace pdf

@@ -1,49 +1,66 @@
 #include "platform/pdf/internal/merge/ReadAhead.h"
 
-#include <QFileInfo>
-
 #include "platform/pdf/PDFDocument.h"
-#include "platform/pdf/internal/QpdfFile.h"
+#include "platform/pdf/internal/merge/MendedCopy.h"
 
 using namespace Qt::StringLiterals;
 
 namespace pdf {
 namespace {
 
-constexpr qint64 mostMemory = 512 << 20;
+using Opened = Result<std::unique_ptr<SourceFile>>;
 
-Result<std::unique_ptr<QPDF>> readCompletely(const QString& path, FileAccess access) {
-  auto document = openQpdf(path, access);
-  if (!document) return document;
-  const MaybeError error =
-      catchingQpdf(PDFErrorUnreadable, u"The document \"%1\" is damaged: "_s.arg(path), [&] {
-        (*document)->pushInheritedAttributesToPage();
-        (*document)->getAllObjects();
-      });
-  if (error) return tl::unexpected(*error);
-  return document;
+/// Bounds the memory together with the size of the files.
+constexpr int readAtOnce = 2;
+
+/// Form fields are drawn by qpdf.
+bool isPlain(const SourceFile& document) {
+  return !document.pages().empty() && document.rootEntry("/AcroForm").isNull();
+}
+
+std::unique_ptr<SourceFile> openPlain(const QString& path) {
+  try {
+    auto document = std::make_unique<SourceFile>(path);
+    return isPlain(*document) ? std::move(document) : nullptr;
+  } catch (const std::exception&) {
+    // Mending finds out what is wrong.
+    return nullptr;
+  }
+}
+
+Opened openMended(const QString& path) {
+  const auto copy = mendedCopy(path);
+  if (!copy) return tl::unexpected(copy.error());
+  try {
+    return std::make_unique<SourceFile>((*copy)->fileName());
+  } catch (const std::exception& error) {
+    return failure(
+        QString::fromUtf16(errorDomain), PDFErrorUnreadable,
+        u"The document \"%1\" is damaged: %2"_s.arg(path, QString::fromUtf8(error.what())));
+  }
+}
+
+Opened openDocument(const QString& path) {
+  if (auto document = openPlain(path)) return document;
+  return openMended(path);
 }
 
 }  // namespace
 
 ReadAhead::ReadAhead(const QStringList& paths) : paths_(paths) {
-  begin(nullptr);
+  for (int count = 0; count < readAtOnce; ++count)
+    begin();
 }
 
-void ReadAhead::begin(std::unique_ptr<QPDF> finished) {
+void ReadAhead::begin() {
   if (index_ == paths_.size()) return;
-  const QString path = paths_[index_++];
-  memory_ += QFileInfo(path).size();
-  const FileAccess access = memory_ < mostMemory ? FileAccess::Quick : FileAccess::OpenOnDemand;
-  opening_ = std::async(std::launch::async, [path, access, unused = std::move(finished)]() mutable {
-    unused.reset();
-    return readCompletely(path, access);
-  });
+  opening_.push_back(std::async(std::launch::async, openDocument, paths_[index_++]));
 }
 
-Result<std::unique_ptr<QPDF>> ReadAhead::next(std::unique_ptr<QPDF> finished) {
-  Opened opened = opening_.get();
-  begin(std::move(finished));
+Result<std::unique_ptr<SourceFile>> ReadAhead::next() {
+  Opened opened = opening_.front().get();
+  opening_.pop_front();
+  begin();
   return opened;
 }
 

@@ -1,26 +1,26 @@
 #pragma once
 
-#include <map>
 #include <optional>
 #include <string>
+#include <unordered_map>
 
 namespace pdf {
 
 /// What one document's names, numbers and identifiers become in the joined document.
 struct Renaming {
-  using Names = std::map<std::string, std::string>;
+  using Names = std::unordered_map<std::string, std::string>;
 
-  /// Named destinations: old-style names (with their slash) and strings. What is missing leads
+  /// Named destinations: old-style names (without their slash) and strings. What is missing leads
   /// nowhere.
   Names oldStyleDestinations;
   Names destinations;
 
   /// Added to the numbers under which content is known to the tags; nothing when the tags are left
   /// out.
-  std::optional<int> tagNumberOffset;
+  std::optional<long long> tagNumberOffset;
 
-  // Names of structure types and attribute classes, and element identifiers; what is missing stays
-  // as it is.
+  // Names (without their slash) of structure types and attribute classes, and element identifiers;
+  // what is missing stays as it is.
   Names roles;
   Names classes;
   Names elementIdentifiers;

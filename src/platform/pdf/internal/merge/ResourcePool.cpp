@@ -1,98 +1,75 @@
 #include "platform/pdf/internal/merge/ResourcePool.h"
 
-#include <QCryptographicHash>
-#include <array>
-#include <memory>
-#include <qpdf/Buffer.hh>
-#include <string_view>
+#include <algorithm>
 
 namespace pdf {
 namespace {
 
 constexpr int deepest = 24;
 
-bool isOneOf(const std::string& name, std::initializer_list<std::string_view> names) {
-  for (const std::string_view candidate : names) {
-    if (name == candidate) return true;
-  }
-  return false;
+bool isOneOf(std::string_view name, std::initializer_list<std::string_view> names) {
+  return std::find(names.begin(), names.end(), name) != names.end();
 }
 
-/// Collects what an object is made of.
-class Hash {
- public:
-  void add(std::string_view text) {
-    // The length keeps neighbours apart.
-    const auto length = static_cast<quint64>(text.size());
-    hash_.addData(QByteArrayView(reinterpret_cast<const char*>(&length), sizeof length));
-    hash_.addData(QByteArrayView(text.data(), static_cast<qsizetype>(text.size())));
-  }
-  void add(const QByteArray& bytes) {
-    add(std::string_view(bytes.constData(), static_cast<size_t>(bytes.size())));
-  }
-  QByteArray result() const { return hash_.result(); }
-
- private:
-  QCryptographicHash hash_{QCryptographicHash::Blake2b_256};
-};
-
-void addStreamData(Hash& hash, QPDFObjectHandle stream) {
-  const std::shared_ptr<Buffer> data = stream.getRawStreamData();
-  hash.add(std::string_view(reinterpret_cast<const char*>(data->getBuffer()), data->getSize()));
+bool isTied(std::string_view key, const Value& value) {
+  if (isOneOf(key, {"/StructParent", "/StructParents", "/Parent", "/OC"})) return true;
+  return key == "/Type" && isOneOf(value.text, {"/Page", "/Pages", "/Catalog", "/Annot", "/OCG"});
 }
 
 }  // namespace
 
-std::optional<QPDFObjectHandle> ResourcePool::find(const QByteArray& digest) const {
-  const auto found = resources_.find(digest);
-  return found == resources_.end() ? std::nullopt : std::optional(found->second);
+int ResourcePool::object(const std::string& text) {
+  const auto [place, isNew] = objects_.try_emplace(text, 0);
+  if (isNew) place->second = target_.add(text);
+  return place->second;
 }
 
-bool ContentDigest::isResource(QPDFObjectHandle object) {
-  if (object.isStream()) return true;
-  if (!object.isDictionary()) return false;
-  QPDFObjectHandle type = object.getKey("/Type");
-  return type.isName() &&
-         isOneOf(type.getName(), {"/Font", "/FontDescriptor", "/ExtGState", "/Pattern"});
+int ResourcePool::stream(const std::string& dictionary, std::string_view data, size_t hash) {
+  const std::string key = dictionary + std::to_string(data.size()) + ' ' + std::to_string(hash);
+  const auto known = streams_.find(key);
+  if (known != streams_.end() && target_.holds(known->second.position, data))
+    return known->second.number;
+  const int number = target_.reserve();
+  const qint64 position = target_.writeStream(number, dictionary, data);
+  streams_.insert_or_assign(key, Stream{number, position});
+  return number;
 }
 
-std::optional<QByteArray> ContentDigest::ofObject(QPDFObjectHandle object, int depth) {
-  if (!object.isIndirect()) return ofValue(object, depth);
-  const auto [place, isNew] = known_.try_emplace(object.getObjGen(), std::nullopt);
-  if (!isNew) return place->second;
-  const std::optional<QByteArray> digest = ofValue(object, depth);
-  return known_[object.getObjGen()] = digest;
+Sharing::Sharing(const SourceFile& source)
+    : source_(source), states_(static_cast<size_t>(source.objectCount())) {}
+
+bool Sharing::isResource(int object) const {
+  return source_.data(object) || isOneOf(source_.object(object)["/Type"].text,
+                                         {"/Font", "/FontDescriptor", "/ExtGState", "/Pattern"});
 }
 
-std::optional<QByteArray> ContentDigest::ofValue(QPDFObjectHandle object, int depth) {
-  if (depth > deepest) return std::nullopt;
-  Hash hash;
-  hash.add(std::string_view(object.getTypeName()));
-  if (object.isArray()) {
-    for (QPDFObjectHandle& item : object.getArrayAsVector()) {
-      const auto digest = ofObject(item, depth + 1);
-      if (!digest) return std::nullopt;
-      hash.add(*digest);
-    }
-  } else if (object.isDictionary() || object.isStream()) {
-    QPDFObjectHandle dictionary = object.isStream() ? object.getDict() : object;
-    for (auto& [key, value] : dictionary.getDictAsMap()) {
-      if (isOneOf(key, {"/StructParent", "/StructParents", "/Parent", "/OC"})) return std::nullopt;
-      if (key == "/Length" && object.isStream()) continue;
-      if (key == "/Type" && value.isName() &&
-          isOneOf(value.getName(), {"/Page", "/Pages", "/Catalog", "/Annot", "/OCG"})) {
-        return std::nullopt;
-      }
-      const auto digest = ofObject(value, depth + 1);
-      if (!digest) return std::nullopt;
-      hash.add(key);
-      hash.add(*digest);
-    }
-    if (object.isStream()) addStreamData(hash, object);
-  } else {
-    hash.add(object.unparseResolved());
+bool Sharing::isShared(int object) {
+  const State state = states_[static_cast<size_t>(object)];
+  if (state != State::Unknown) return state == State::Shared;
+  return isResource(object) && canShareObject(object, 0);
+}
+
+/// While an object is being looked through it counts as tied to its document, so a ring does.
+bool Sharing::canShareObject(int object, int depth) {
+  const auto index = static_cast<size_t>(object);
+  if (index >= states_.size()) return true;
+  if (states_[index] != State::Unknown) return states_[index] == State::Shared;
+  states_[index] = State::Own;
+  if (!canShare(source_.object(object), depth)) return false;
+  states_[index] = State::Shared;
+  return true;
+}
+
+bool Sharing::canShare(const Value& value, int depth) {
+  if (depth > deepest) return false;
+  if (value.isReference()) return canShareObject(value.reference, depth);
+  const bool isDictionary = value.isDictionary();
+  for (std::uint32_t index = 0; index < value.count; ++index) {
+    const Value& item = value.items()[index];
+    if (isDictionary && index % 2 == 0 && isTied(item.text, value.items()[index + 1])) return false;
+    if (!canShare(item, depth + 1)) return false;
   }
-  return hash.result();
+  return true;
 }
 
 }  // namespace pdf

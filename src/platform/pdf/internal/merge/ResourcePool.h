@@ -1,43 +1,55 @@
 #pragma once
 
-#include <QByteArray>
-#include <map>
-#include <optional>
-#include <qpdf/QPDFObjectHandle.hh>
+#include <string>
 #include <unordered_map>
+#include <vector>
+
+#include "platform/pdf/internal/merge/CompactFile.h"
+#include "platform/pdf/internal/merge/SourceFile.h"
 
 namespace pdf {
 
-/// Fonts, pictures and other page resources of the target document, found again by their contents.
+/// Writes fonts, pictures and other page resources, equal ones once.
 class ResourcePool {
  public:
-  std::optional<QPDFObjectHandle> find(const QByteArray& digest) const;
-  void add(const QByteArray& digest, QPDFObjectHandle resource) {
-    resources_.insert_or_assign(digest, resource);
-  }
+  explicit ResourcePool(CompactFile& target) : target_(target) {}
+
+  /// The number of an object of this text.
+  int object(const std::string& text);
+
+  /// The number of a stream of these bytes. `hash` is equal for equal bytes.
+  int stream(const std::string& dictionary, std::string_view data, size_t hash);
 
  private:
-  std::map<QByteArray, QPDFObjectHandle> resources_;
+  struct Stream {
+    int number = 0;
+    qint64 position = 0;
+  };
+
+  CompactFile& target_;
+  std::unordered_map<std::string, int> objects_;
+  std::unordered_map<std::string, Stream> streams_;
 };
 
-/// Names objects of one document by everything that can be reached from them.
-class ContentDigest {
+/// Tells which objects of a document can stand in for equal ones of another document.
+class Sharing {
  public:
-  /// Whether objects like this one are worth looking up: streams, and what fonts and graphics
-  /// states are made of.
-  static bool isResource(QPDFObjectHandle object);
+  explicit Sharing(const SourceFile& source);
 
-  /// Equal for equal contents in any document. Nothing for an object that has a place of its own in
-  /// its document (it refers to pages, tags, or itself).
-  std::optional<QByteArray> of(QPDFObjectHandle object) { return ofObject(object, 0); }
+  /// True for streams and what fonts and graphics states are made of, with all that they refer to,
+  /// unless a part of it has a place of its own in its document (it refers to pages, tags, or
+  /// itself).
+  bool isShared(int object);
 
  private:
-  std::optional<QByteArray> ofObject(QPDFObjectHandle object, int depth);
-  std::optional<QByteArray> ofValue(QPDFObjectHandle object, int depth);
+  enum class State : unsigned char { Unknown, Own, Shared };
 
-  /// Of the document's indirect objects; while an object is being read it has none, so a ring has
-  /// none.
-  std::map<QPDFObjGen, std::optional<QByteArray>> known_;
+  bool isResource(int object) const;
+  bool canShare(const Value& value, int depth);
+  bool canShareObject(int object, int depth);
+
+  const SourceFile& source_;
+  std::vector<State> states_;
 };
 
 }  // namespace pdf

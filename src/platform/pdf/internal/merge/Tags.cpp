@@ -7,128 +7,113 @@ namespace {
 
 constexpr long long largestNumber = std::numeric_limits<int>::max() / 2;
 
-NameTree entriesOf(QPDFObjectHandle dictionary) {
-  return dictionary.isDictionary() ? dictionary.getDictAsMap() : NameTree();
-}
-
-bool isSame(QPDFObjectHandle one, QPDFObjectHandle other) {
-  return one.unparseResolved() == other.unparseResolved();
-}
-
 enum class SameMeaning { Shared, Renamed };
 
 /// New names for those that mean something else in the joined document.
-Renaming::Names newNames(const NameTree& entries, const NameTree& joined, SameMeaning same) {
+Renaming::Names newNames(const NameTree& entries, const NameTexts& joined, SameMeaning same,
+                         size_t documentNumber, ObjectCopier& copier) {
   Renaming::Names names;
   for (const auto& [name, meaning] : entries) {
     const auto taken = joined.find(name);
     if (taken == joined.end()) continue;
-    if (same == SameMeaning::Shared && isSame(taken->second, meaning)) continue;
+    if (same == SameMeaning::Shared && taken->second == copier.copy(meaning)) continue;
     std::string candidate;
-    for (int number = 2;
-         candidate.empty() || joined.count(candidate) > 0 || entries.count(candidate) > 0;
-         ++number) {
+    for (size_t number = documentNumber;
+         candidate.empty() || joined.count(candidate) > 0 || entries.count(candidate) > 0; ++number)
       candidate = name + "-" + std::to_string(number);
-    }
     names[name] = candidate;
   }
   return names;
 }
 
-NameTree copyRenamed(const NameTree& entries, const Renaming::Names& names, ObjectCopier& copier) {
-  NameTree copies;
+void copyRenamed(const NameTree& entries, const Renaming::Names& names, ObjectCopier& copier,
+                 NameTexts& joined) {
   for (const auto& [name, value] : entries) {
     const auto renamed = names.find(name);
-    copies.emplace(renamed == names.end() ? name : renamed->second, copier.copy(value));
+    joined.emplace(renamed == names.end() ? name : renamed->second, copier.copy(value));
   }
-  return copies;
 }
 
-long long nextNumber(QPDFObjectHandle root, const NumberTree& content) {
-  QPDFObjectHandle stated = root.getKey("/ParentTreeNextKey");
+long long nextNumber(const Value& stated, const NumberTree& content) {
   const long long used = content.empty() ? 0 : content.rbegin()->first + 1;
-  return stated.isInteger() ? std::max(used, stated.getIntValue()) : used;
+  return std::max(used, stated.integer().value_or(0));
 }
 
-void addDictionary(QPDFObjectHandle root, const std::string& key, const NameTree& entries) {
-  if (!entries.empty()) root.replaceKey(key, QPDFObjectHandle::newDictionary(entries));
+std::string dictionaryEntry(const char* key, const NameTexts& entries) {
+  if (entries.empty()) return {};
+  std::string text = std::string(key) + "<<";
+  for (const auto& [name, value] : entries)
+    text += nameText(name) + ' ' + value;
+  return text + ">>";
 }
 
 }  // namespace
 
-DocumentTags::DocumentTags(QPDF& source, const Tags& joined, QPDFObjectHandle root,
-                           ObjectCopier& copier) {
-  QPDFObjectHandle own = source.getRoot().getKey("/StructTreeRoot");
+DocumentTags::DocumentTags(const SourceFile& source, const Tags& joined, int root,
+                           size_t documentNumber, ObjectCopier& copier) {
+  const Value& own = source.rootEntry("/StructTreeRoot");
   if (!own.isDictionary()) return;
-  if (own.isIndirect()) copier.map(own, root);
-  prepareElements(own.getKey("/K"), source.getRoot().getKey("/Lang"));
-  tags_.content = readNumberTree(own.getKey("/ParentTree"));
-  tags_.nextNumber = nextNumber(own, tags_.content);
-  const bool numbersFit = tags_.nextNumber >= 0 && tags_.nextNumber < largestNumber &&
-                          (tags_.content.empty() || tags_.content.begin()->first >= 0);
-  usable_ = !tags_.elements.empty() && numbersFit && joined.nextNumber < largestNumber;
+  const Value& reference = source.root()["/StructTreeRoot"];
+  if (reference.isReference()) copier.map(reference.reference, root);
+  prepareElements(source, own["/K"], copier);
+  content_ = readNumberTree(source, own["/ParentTree"]);
+  nextNumber_ = nextNumber(source.resolved(own["/ParentTreeNextKey"]), content_);
+  const bool numbersFit = nextNumber_ >= 0 && nextNumber_ < largestNumber &&
+                          (content_.empty() || content_.begin()->first >= 0);
+  usable_ = !elements_.empty() && numbersFit && joined.nextNumber < largestNumber;
   if (!usable_) return;
-  tags_.identifiers = readNameTree(own.getKey("/IDTree"));
-  tags_.roles = entriesOf(own.getKey("/RoleMap"));
-  tags_.classes = entriesOf(own.getKey("/ClassMap"));
-  offset_ = joined.nextNumber;
+  identifiers_ = readNameTree(source, own["/IDTree"]);
+  roles_ = readDictionary(source.resolved(own["/RoleMap"]));
+  classes_ = readDictionary(source.resolved(own["/ClassMap"]));
   Renaming& renaming = copier.renaming();
-  renaming.tagNumberOffset = static_cast<int>(offset_);
-  renaming.roles = newNames(tags_.roles, joined.roles, SameMeaning::Shared);
-  renaming.classes = newNames(tags_.classes, joined.classes, SameMeaning::Shared);
+  renaming.tagNumberOffset = joined.nextNumber;
+  renaming.roles = newNames(roles_, joined.roles, SameMeaning::Shared, documentNumber, copier);
+  renaming.classes =
+      newNames(classes_, joined.classes, SameMeaning::Shared, documentNumber, copier);
   renaming.elementIdentifiers =
-      newNames(tags_.identifiers, joined.identifiers, SameMeaning::Renamed);
+      newNames(identifiers_, joined.identifiers, SameMeaning::Renamed, documentNumber, copier);
 }
 
 /// The document's language goes to its uppermost elements: the joined document can name only one.
-void DocumentTags::prepareElements(QPDFObjectHandle kids, QPDFObjectHandle language) {
-  const std::vector<QPDFObjectHandle> elements =
-      kids.isArray() ? kids.getArrayAsVector() : std::vector{kids};
-  for (QPDFObjectHandle element : elements) {
-    if (!element.isDictionary() || !element.isIndirect()) continue;
-    if (language.isString() && !element.hasKey("/Lang")) element.replaceKey("/Lang", language);
-    tags_.elements.push_back(element);
+void DocumentTags::prepareElements(const SourceFile& source, const Value& kids,
+                                   ObjectCopier& copier) {
+  const Value& language = source.rootEntry("/Lang");
+  const Value& list = source.resolved(kids);
+  const std::span<const Value> elements =
+      list.isArray() ? list.items() : std::span<const Value>(&kids, 1);
+  for (const Value& element : elements) {
+    const Value& entries = source.resolved(element);
+    if (!entries.isDictionary() || !element.isReference()) continue;
+    if (language.isString() && entries["/Lang"].isNull())
+      copier.addEntry(element.reference, "/Lang" + std::string(language.text));
+    elements_.push_back(element);
   }
 }
 
-Tags DocumentTags::copy(ObjectCopier& copier) {
-  Tags copies;
-  if (!usable_) return copies;
-  for (const QPDFObjectHandle& element : tags_.elements)
-    copies.elements.push_back(copier.copy(element));
-  for (const auto& [number, elements] : tags_.content)
-    copies.content.emplace(number + offset_, copier.copy(elements));
-  copies.nextNumber = offset_ + tags_.nextNumber;
+void DocumentTags::copy(ObjectCopier& copier, Tags& joined) const {
+  if (!usable_) return;
+  const long long offset = joined.nextNumber;
+  for (const Value& element : elements_)
+    joined.elements += copier.copy(element) + ' ';
+  for (const auto& [number, elements] : content_)
+    joined.content.emplace_hint(joined.content.end(), number + offset, copier.copy(elements));
+  joined.nextNumber = offset + nextNumber_;
   const Renaming& renaming = copier.renaming();
-  copies.identifiers = copyRenamed(tags_.identifiers, renaming.elementIdentifiers, copier);
-  copies.roles = copyRenamed(tags_.roles, renaming.roles, copier);
-  copies.classes = copyRenamed(tags_.classes, renaming.classes, copier);
-  return copies;
+  copyRenamed(identifiers_, renaming.elementIdentifiers, copier, joined.identifiers);
+  copyRenamed(roles_, renaming.roles, copier, joined.roles);
+  copyRenamed(classes_, renaming.classes, copier, joined.classes);
 }
 
-void append(Tags& joined, const Tags& more) {
-  joined.elements.insert(joined.elements.end(), more.elements.begin(), more.elements.end());
-  joined.content.insert(more.content.begin(), more.content.end());
-  joined.nextNumber = std::max(joined.nextNumber, more.nextNumber);
-  joined.identifiers.insert(more.identifiers.begin(), more.identifiers.end());
-  joined.roles.insert(more.roles.begin(), more.roles.end());
-  joined.classes.insert(more.classes.begin(), more.classes.end());
-}
-
-void writeTags(QPDF& document, QPDFObjectHandle root, const Tags& tags) {
-  if (tags.elements.empty()) return;
-  root.replaceKey("/Type", QPDFObjectHandle::newName("/StructTreeRoot"));
-  root.replaceKey("/K", QPDFObjectHandle::newArray(tags.elements));
-  root.replaceKey("/ParentTree", writeNumberTree(document, tags.content));
-  root.replaceKey("/ParentTreeNextKey", QPDFObjectHandle::newInteger(tags.nextNumber));
+std::string writeTags(CompactFile& target, int root, const Tags& tags) {
+  if (tags.elements.empty()) return {};
+  std::string text = "<</Type/StructTreeRoot/K[" + tags.elements + "]/ParentTree " +
+                     referenceText(writeNumberTree(target, tags.content)) + "/ParentTreeNextKey " +
+                     std::to_string(tags.nextNumber);
   if (!tags.identifiers.empty())
-    root.replaceKey("/IDTree", writeNameTree(document, tags.identifiers));
-  addDictionary(root, "/RoleMap", tags.roles);
-  addDictionary(root, "/ClassMap", tags.classes);
-  QPDFObjectHandle marks = QPDFObjectHandle::newDictionary();
-  marks.replaceKey("/Marked", QPDFObjectHandle::newBool(true));
-  document.getRoot().replaceKey("/MarkInfo", marks);
-  document.getRoot().replaceKey("/StructTreeRoot", root);
+    text += "/IDTree " + referenceText(writeNameTree(target, tags.identifiers));
+  text += dictionaryEntry("/RoleMap", tags.roles) + dictionaryEntry("/ClassMap", tags.classes);
+  target.writeObject(root, text + ">>");
+  return "/MarkInfo<</Marked true>>/StructTreeRoot " + referenceText(root);
 }
 
 }  // namespace pdf

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <string>
 #include <vector>
 
 #include "platform/pdf/internal/merge/ObjectCopier.h"
@@ -7,36 +8,37 @@
 
 namespace pdf {
 
-/// The tags of a document (ISO 32000-1, 14.7).
+/// The tags of the joined document (ISO 32000-1, 14.7), as texts.
 struct Tags {
-  std::vector<QPDFObjectHandle> elements;  ///< the uppermost ones
-  NumberTree content;                      ///< elements by the number of their content
+  std::string elements;  ///< the uppermost ones
+  NumberTexts content;   ///< elements by the number of their content
   long long nextNumber = 0;
-  NameTree identifiers;
-  NameTree roles;
-  NameTree classes;
+  NameTexts identifiers;
+  NameTexts roles;
+  NameTexts classes;
 };
 
 /// The tags of one document that is to be joined to others.
 class DocumentTags {
  public:
-  /// `root` is the joined document's structure tree root.
-  DocumentTags(QPDF& source, const Tags& joined, QPDFObjectHandle root, ObjectCopier& copier);
+  /// `root` is the joined document's structure tree root. `documentNumber` counts from 1.
+  DocumentTags(const SourceFile& source, const Tags& joined, int root, size_t documentNumber,
+               ObjectCopier& copier);
 
-  /// Empty when the document has none, or none that can be used.
-  Tags copy(ObjectCopier& copier);
+  /// Adds nothing when the document has no tags, or none that can be used.
+  void copy(ObjectCopier& copier, Tags& joined) const;
 
  private:
-  void prepareElements(QPDFObjectHandle kids, QPDFObjectHandle language);
+  void prepareElements(const SourceFile& source, const Value& kids, ObjectCopier& copier);
 
   bool usable_ = false;
-  Tags tags_;  ///< the source's, with its own names
-  long long offset_ = 0;
+  std::vector<Value> elements_;
+  NumberTree content_;
+  long long nextNumber_ = 0;
+  NameTree identifiers_, roles_, classes_;
 };
 
-void append(Tags& joined, const Tags& more);
-
-/// Fills the structure tree root and marks the document as tagged.
-void writeTags(QPDF& document, QPDFObjectHandle root, const Tags& tags);
+/// Writes the structure tree root. Returns the entries of the catalog that belong to it.
+std::string writeTags(CompactFile& target, int root, const Tags& tags);
 
 }  // namespace pdf

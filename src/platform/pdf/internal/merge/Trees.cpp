@@ -1,10 +1,7 @@
 #include "platform/pdf/internal/merge/Trees.h"
 
-#include <algorithm>
-#include <functional>
 #include <optional>
 #include <set>
-#include <vector>
 
 namespace pdf {
 namespace {
@@ -17,94 +14,98 @@ struct TreeKind;
 
 template <>
 struct TreeKind<std::string> {
-  static constexpr const char* entries = "/Names";
-  static std::optional<std::string> key(QPDFObjectHandle object) {
-    return object.isString() ? std::optional(object.getStringValue()) : std::nullopt;
+  static constexpr std::string_view entries = "/Names";
+  static std::optional<std::string> key(const Value& value) {
+    return value.isString() ? std::optional(value.bytes()) : std::nullopt;
   }
-  static QPDFObjectHandle object(const std::string& key) {
-    return QPDFObjectHandle::newString(key);
-  }
+  static std::string text(const std::string& key) { return stringText(key); }
 };
 
 template <>
 struct TreeKind<long long> {
-  static constexpr const char* entries = "/Nums";
-  static std::optional<long long> key(QPDFObjectHandle object) {
-    return object.isInteger() ? std::optional(object.getIntValue()) : std::nullopt;
-  }
-  static QPDFObjectHandle object(long long key) { return QPDFObjectHandle::newInteger(key); }
+  static constexpr std::string_view entries = "/Nums";
+  static std::optional<long long> key(const Value& value) { return value.integer(); }
+  static std::string text(long long key) { return std::to_string(key); }
 };
 
 template <class Key>
 class Reader {
  public:
-  std::map<Key, QPDFObjectHandle> read(QPDFObjectHandle root) {
+  explicit Reader(const SourceFile& source) : source_(source) {}
+
+  std::map<Key, Value> read(const Value& root) {
     readNode(root, 0);
     return std::move(found_);
   }
 
  private:
-  void readNode(QPDFObjectHandle node, int depth) {
-    if (!node.isDictionary() || depth > deepest) return;
-    if (node.isIndirect() && !visited_.insert(node.getObjGen()).second) return;
-    QPDFObjectHandle entries = node.getKey(TreeKind<Key>::entries), kids = node.getKey("/Kids");
-    if (entries.isArray()) readEntries(entries.getArrayAsVector());
+  void readNode(const Value& node, int depth) {
+    const Value& entries = source_.resolved(node);
+    if (!entries.isDictionary() || depth > deepest) return;
+    if (node.isReference() && !visited_.insert(node.reference).second) return;
+    readEntries(source_.resolved(entries[TreeKind<Key>::entries]));
+    const Value& kids = source_.resolved(entries["/Kids"]);
     if (!kids.isArray()) return;
-    for (const QPDFObjectHandle& kid : kids.getArrayAsVector())
+    for (const Value& kid : kids.items())
       readNode(kid, depth + 1);
   }
 
-  void readEntries(const std::vector<QPDFObjectHandle>& entries) {
-    for (size_t index = 0; index + 1 < entries.size(); index += 2) {
-      if (const auto key = TreeKind<Key>::key(entries[index]))
-        found_.emplace(*key, entries[index + 1]);
+  void readEntries(const Value& entries) {
+    if (!entries.isArray()) return;
+    for (size_t index = 0; index + 1 < entries.count; index += 2) {
+      if (const auto key = TreeKind<Key>::key(source_.resolved(entries.items()[index])))
+        found_.emplace_hint(found_.end(), *key, entries.items()[index + 1]);
     }
   }
 
-  std::map<Key, QPDFObjectHandle> found_;
-  std::set<QPDFObjGen> visited_;
+  const SourceFile& source_;
+  std::map<Key, Value> found_;
+  std::set<int> visited_;
 };
 
 /// Leaves below the root: two levels hold what documents have.
 template <class Key>
-QPDFObjectHandle write(QPDF& document, const std::map<Key, QPDFObjectHandle>& entries) {
-  QPDFObjectHandle kids = QPDFObjectHandle::newArray();
+int write(CompactFile& target, const std::map<Key, std::string>& entries) {
+  using Kind = TreeKind<Key>;
+  std::string kids;
   for (auto entry = entries.begin(); entry != entries.end();) {
-    std::vector<QPDFObjectHandle> pairs;
-    const Key first = entry->first;
-    Key last = first;
-    for (; entry != entries.end() && pairs.size() < 2 * entriesPerLeaf; ++entry) {
-      last = entry->first;
-      pairs.push_back(TreeKind<Key>::object(last));
-      pairs.push_back(entry->second);
+    const std::string first = Kind::text(entry->first);
+    std::string last, pairs;
+    for (size_t count = 0; entry != entries.end() && count < entriesPerLeaf; ++entry, ++count) {
+      last = Kind::text(entry->first);
+      pairs += last + ' ' + entry->second + ' ';
     }
-    QPDFObjectHandle leaf = QPDFObjectHandle::newDictionary();
-    leaf.replaceKey("/Limits", QPDFObjectHandle::newArray(std::vector<QPDFObjectHandle>{
-                                   TreeKind<Key>::object(first), TreeKind<Key>::object(last)}));
-    leaf.replaceKey(TreeKind<Key>::entries, QPDFObjectHandle::newArray(pairs));
-    kids.appendItem(document.makeIndirectObject(leaf));
+    std::string leaf = "<</Limits[" + first + ' ' + last + "]";
+    leaf += Kind::entries;
+    kids += referenceText(target.add(leaf + "[" + pairs + "]>>")) + ' ';
   }
-  QPDFObjectHandle root = QPDFObjectHandle::newDictionary();
-  root.replaceKey("/Kids", kids);
-  return document.makeIndirectObject(root);
+  return target.add("<</Kids[" + kids + "]>>");
 }
 
 }  // namespace
 
-NameTree readNameTree(QPDFObjectHandle root) {
-  return Reader<std::string>().read(root);
+NameTree readNameTree(const SourceFile& source, const Value& root) {
+  return Reader<std::string>(source).read(root);
 }
 
-NumberTree readNumberTree(QPDFObjectHandle root) {
-  return Reader<long long>().read(root);
+NumberTree readNumberTree(const SourceFile& source, const Value& root) {
+  return Reader<long long>(source).read(root);
 }
 
-QPDFObjectHandle writeNameTree(QPDF& document, const NameTree& entries) {
-  return write(document, entries);
+NameTree readDictionary(const Value& dictionary) {
+  NameTree entries;
+  if (!dictionary.isDictionary()) return entries;
+  for (size_t index = 0; index < dictionary.count; index += 2)
+    entries.emplace(dictionary.items()[index].bytes(), dictionary.items()[index + 1]);
+  return entries;
 }
 
-QPDFObjectHandle writeNumberTree(QPDF& document, const NumberTree& entries) {
-  return write(document, entries);
+int writeNameTree(CompactFile& target, const NameTexts& entries) {
+  return write(target, entries);
+}
+
+int writeNumberTree(CompactFile& target, const NumberTexts& entries) {
+  return write(target, entries);
 }
 
 }  // namespace pdf
