@@ -321,6 +321,9 @@ void LiveView::acceptAnyCertificate() {
 
 void LiveView::clearCookies() {
   page_->send(u"Network.clearBrowserCookies"_s);
+  // Many sites keep a login in their storage. The origin "*" stands for all of them.
+  page_->send(u"Storage.clearDataForOrigin"_s,
+              {{u"origin"_s, u"*"_s}, {u"storageTypes"_s, u"all"_s}});
 }
 
 }  // namespace web

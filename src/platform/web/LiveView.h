@@ -65,7 +65,8 @@ class LiveView : public PageObserver, public std::enable_shared_from_this<LiveVi
   /// closed.
   void acceptAnyCertificate();
 
-  /// Forgets the cookies of the page's profile, for all pages that share it.
+  /// Forgets the cookies of the page's profile and what sites have stored in it, for all pages that
+  /// share it.
   void clearCookies();
 
   void pageCommittedLoad(Page&, const Frame&) override;
