@@ -25,7 +25,8 @@ namespace dropbox {
 class ClientsManager;
 }
 
-/// Shows the user a message with one button "Ok" and waits for it to be dismissed. Main thread.
+/// Shows the user a message with one button "Ok" and returns when it was dismissed; other work of
+/// the main queue may run meanwhile. Main thread.
 class CVAlertPresenter {
  public:
   virtual ~CVAlertPresenter() = default;
@@ -66,7 +67,7 @@ class CVUtils {
   std::shared_ptr<CVAppDelegate> getAppDelegate() const;
   void setAppDelegate(std::weak_ptr<CVAppDelegate> appDelegate);
 
-  /// Main thread only.
+  /// As `CVAlertPresenter`; without one the text goes to the log. Main thread only.
   void displayOKAlertWithTitle(const QString& title, const QString& message) const;
 
   // --- Working files and names ----------------------------------------------------------------
