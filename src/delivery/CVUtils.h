@@ -117,8 +117,9 @@ class CVUtils {
                       const std::optional<QString>& address = std::nullopt) const;
 
   /// Marks the file with the address that it came from: `user.xdg.origin.url` (freedesktop common
-  /// extended attributes) and the property list that macOS keeps. File systems without attributes
-  /// are passed over in silence.
+  /// extended attributes) and the property list that macOS keeps; by a script too where the machine
+  /// runs scripts, then blocking for as long. The user's name and password stay out. File systems
+  /// without attributes are passed over in silence.
   void setWhereFrom(const QString& address, const QString& path) const;
 
   // --- Scripts and the user's browsers --------------------------------------------------------
