@@ -1,5 +1,6 @@
 #include "app/WindowProgram.h"
 
+#include <QStandardPaths>
 #include <QTimer>
 
 #include "app/DropboxRedirects.h"
@@ -29,6 +30,14 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
+/// Where cookies and logins outlive the program.
+web::EngineOptions engineOptions() {
+  web::EngineOptions options;
+  options.profileFolder = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) +
+                          u"/corvalis/browser"_s;
+  return options;
+}
+
 bool isDropboxLinked() {
   const auto& manager = dropbox::ClientsManager::shared();
   return manager.authorizedClient() || manager.authorizedTeamClient();
@@ -49,7 +58,7 @@ CVDropBoxPreferencesViewController::Account dropboxAccount(
 WindowProgram::WindowProgram()
     : fileManager_(desktop::FileManager::create()),
       sounds_(desktop::SoundPlayer::create()),
-      engine_(web::Engine::shared()),
+      engine_(web::Engine::shared(engineOptions())),
       addOnDoor_(browsers::AddOnDoor::create()),
       savePanel_(std::make_shared<CVSaveSheet>()),
       alerts_(std::make_shared<CVOkAlert>()),

@@ -3,11 +3,14 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QStandardPaths>
+#include <algorithm>
 
 #include "delivery/CVUtils.h"
 #include "platform/base/Identifier.h"
 #include "platform/base/Log.h"
 #include "platform/base/UserFolders.h"
+#include "platform/desktop/DeliveryScripts.h"
+#include "platform/desktop/ScriptRunner.h"
 #include "platform/imaging/PictureConversion.h"
 
 using namespace Qt::StringLiterals;
@@ -44,6 +47,14 @@ QByteArray propertyList(const QByteArray& address) {
          "\"http://www.apple.com/DTDs/PropertyList-1.0.dtd\"><plist "
          "version=\"1.0\"><array><string>" +
          QString::fromUtf8(address).toHtmlEscaped().toUtf8() + "</string></array></plist>";
+}
+
+/// The script is a fixed text into which address and path go unescaped: a page chooses its own
+/// address, and one with such a character would run as a command of the shell.
+bool fitsIntoScript(const QString& text) {
+  return std::none_of(text.begin(), text.end(), [](QChar character) {
+    return u"'\"\\"_s.contains(character) || character.category() == QChar::Other_Control;
+  });
 }
 
 void setAttribute(const QString& path, const char* name, const QByteArray& value) {
@@ -145,6 +156,11 @@ void CVUtils::saveDataToFile(const QByteArray& data, const QUrl& file, unsigned 
 void CVUtils::setWhereFrom(const QString& address, const QString& path) const {
   const QByteArray origin = originAddress(address);
   if (origin.isEmpty()) return;
+  // Where the system has scripts, its own mark is set by one; what the desktop reads is set anyway.
+  const bool hasScripts = services_.scriptRunner && services_.scriptRunner->isAvailable();
+  const QString told = QUrl(address).userInfo().isEmpty() ? address : QString::fromUtf8(origin);
+  if (hasScripts && fitsIntoScript(told) && fitsIntoScript(path))
+    (void)runAppleScript(desktop::whereFromScript(told, path));
   setAttribute(path, "user.xdg.origin.url", origin);
   setAttribute(path, "user.com.apple.metadata:kMDItemWhereFroms", propertyList(origin));
 }

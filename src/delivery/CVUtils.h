@@ -25,7 +25,8 @@ namespace dropbox {
 class ClientsManager;
 }
 
-/// Shows the user a message with one button "Ok" and waits for it to be dismissed. Main thread.
+/// Shows the user a message with one button "Ok" and returns when it was dismissed; other work of
+/// the main queue may run meanwhile. Main thread.
 class CVAlertPresenter {
  public:
   virtual ~CVAlertPresenter() = default;
@@ -66,7 +67,7 @@ class CVUtils {
   std::shared_ptr<CVAppDelegate> getAppDelegate() const;
   void setAppDelegate(std::weak_ptr<CVAppDelegate> appDelegate);
 
-  /// Main thread only.
+  /// As `CVAlertPresenter`; without one the text goes to the log. Main thread only.
   void displayOKAlertWithTitle(const QString& title, const QString& message) const;
 
   // --- Working files and names ----------------------------------------------------------------
@@ -116,8 +117,9 @@ class CVUtils {
                       const std::optional<QString>& address = std::nullopt) const;
 
   /// Marks the file with the address that it came from: `user.xdg.origin.url` (freedesktop common
-  /// extended attributes) and the property list that macOS keeps. File systems without attributes
-  /// are passed over in silence.
+  /// extended attributes) and the property list that macOS keeps; by a script too where the machine
+  /// runs scripts, then blocking for as long. The user's name and password stay out. File systems
+  /// without attributes are passed over in silence.
   void setWhereFrom(const QString& address, const QString& path) const;
 
   // --- Scripts and the user's browsers --------------------------------------------------------

@@ -23,10 +23,10 @@ void dropSharedEngine() {
 
 }  // namespace
 
-std::shared_ptr<Engine> Engine::shared() {
+std::shared_ptr<Engine> Engine::shared(const EngineOptions& options) {
   std::shared_ptr<Engine>& engine = sharedEngine();
   if (!engine) {
-    engine = std::make_shared<Engine>();
+    engine = std::make_shared<Engine>(options);
     qAddPostRoutine(dropSharedEngine);
   }
   return engine;
@@ -59,9 +59,7 @@ std::shared_ptr<Page> Engine::createPage(const PageConfiguration& configuration)
 }
 
 void Engine::shutdown() {
-  if (const auto running = std::exchange(instance_, nullptr))
-    running->end(makeError(EngineShutDown, u"The browser was shut down."_s),
-                 EngineProcess::FolderRemoval::Now);
+  if (const auto running = std::exchange(instance_, nullptr)) running->shutDown();
 }
 
 std::optional<qint64> Engine::processIdentifier() const {

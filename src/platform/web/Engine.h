@@ -13,17 +13,22 @@ class EngineInstance;
 
 struct EngineOptions {
   /// The browser to use; none: CORVALIS_ENGINE, then the programs known by name.
-  std::optional<QString> program;
+  std::optional<QString> program = {};
   /// Added to the program's own arguments and those of CORVALIS_ENGINE_ARGS.
-  QStringList extraArguments;
+  QStringList extraArguments = {};
+  /// Folder of a profile that is kept. None: cookies and storage end with the browser. While
+  /// another program holds the folder, or where nothing can be written, this browser's end with it
+  /// too.
+  std::optional<QString> profileFolder = {};
 };
 
 /// The browser process behind all pages. Main thread only. The process starts with the first page
 /// and is kept; when it crashes, its pages fail and the next page starts a new one.
 class Engine {
  public:
-  /// The program's own engine. Shut down when the application object ends.
-  static std::shared_ptr<Engine> shared();
+  /// The program's own engine, made with the options of the first call. Shut down when the
+  /// application object ends.
+  static std::shared_ptr<Engine> shared(const EngineOptions& options = {});
 
   explicit Engine(EngineOptions options = {});
   ~Engine();
@@ -36,7 +41,8 @@ class Engine {
   /// the page's commands and loads fail with the reason.
   std::shared_ptr<Page> createPage(const PageConfiguration& configuration = {});
   /// Ends the browser, all its processes and its folder; returns when they are gone, in 2 s at
-  /// most. The pages fail; a later page starts a new browser.
+  /// most, of a kept profile in 4 s: it is given the time to write. The pages fail; a later page
+  /// starts a new browser.
   void shutdown();
 
   /// Process id of the browser, for diagnostics; none while it does not run.

@@ -11,6 +11,7 @@ namespace web {
 namespace {
 
 constexpr std::chrono::seconds startTimeout{30};
+constexpr std::chrono::seconds closeTimeout{2};
 
 /// What the browser said is worth more than the bare fact that it ended.
 Error describeEnd(const Error& reason, const QString& diagnostics) {
@@ -28,8 +29,8 @@ Result<std::shared_ptr<EngineInstance>> EngineInstance::start(const EngineOption
   const Result<EngineProgram> program =
       options.program ? engineProgramAt(*options.program) : findEngineProgram();
   if (!program) return tl::make_unexpected(program.error());
-  Result<std::unique_ptr<EngineProcess>> process =
-      EngineProcess::start(*program, engineArguments(*program) + options.extraArguments);
+  Result<std::unique_ptr<EngineProcess>> process = EngineProcess::start(
+      *program, engineArguments(*program) + options.extraArguments, options.profileFolder);
   if (!process) return tl::make_unexpected(process.error());
   std::shared_ptr<EngineInstance> instance(new EngineInstance(std::move(*process)));
   instance->connect();
@@ -40,8 +41,7 @@ EngineInstance::EngineInstance(std::unique_ptr<EngineProcess> process)
     : process_(std::move(process)) {}
 
 EngineInstance::~EngineInstance() {
-  end(makeError(EngineShutDown, u"The browser was shut down."_s),
-      EngineProcess::FolderRemoval::Now);
+  shutDown();
 }
 
 void EngineInstance::connect() {
@@ -128,6 +128,16 @@ void EngineInstance::handleCrash(const Error& reason) {
   if (ended_) return;
   logLine(u"The browser ended unexpectedly."_s);
   end(describeEnd(reason, process_->kill()), EngineProcess::FolderRemoval::InBackground);
+}
+
+/// A profile that ends with the browser needs no farewell.
+void EngineInstance::shutDown() {
+  if (!ended_ && process_->keepsProfile()) {
+    browser_->send(u"Browser.close"_s, {});
+    process_->waitForEnd(closeTimeout);
+  }
+  end(makeError(EngineShutDown, u"The browser was shut down."_s),
+      EngineProcess::FolderRemoval::Now);
 }
 
 void EngineInstance::end(const Error& reason, EngineProcess::FolderRemoval removal) {

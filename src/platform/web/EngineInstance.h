@@ -24,7 +24,9 @@ class EngineInstance : public std::enable_shared_from_this<EngineInstance> {
   qint64 processIdentifier() const { return process_->processIdentifier(); }
   /// Makes the page's target and attaches the page to it.
   void open(const std::shared_ptr<Page>& page);
-  /// Ends the browser; its pages fail with `reason`.
+  /// Ends the browser as its user would, so that it writes what it keeps; by force after 2 s.
+  void shutDown();
+  /// Ends the browser by force; its pages fail with `reason`.
   void end(const Error& reason, EngineProcess::FolderRemoval removal);
 
  private:

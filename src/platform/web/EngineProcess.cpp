@@ -82,11 +82,13 @@ EngineProcess::~EngineProcess() {
   end(FolderRemoval::Now);
 }
 
-Result<std::unique_ptr<EngineProcess>> EngineProcess::start(const EngineProgram& program,
-                                                            const QStringList& arguments) {
+Result<std::unique_ptr<EngineProcess>> EngineProcess::start(
+    const EngineProgram& program, const QStringList& arguments,
+    const std::optional<QString>& profileFolder) {
   Result<EngineFolder> folder = EngineFolder::create();
   if (!folder) return tl::make_unexpected(folder.error());
   std::unique_ptr<EngineProcess> process(new EngineProcess(std::move(*folder)));
+  if (profileFolder) process->profile_ = KeptProfile::hold(*profileFolder);
   if (process->run(program, arguments)) return process;
   const QString reason = process->process_ ? process->process_->errorString() : u"no pipe"_s;
   return tl::make_unexpected(makeError(
@@ -106,13 +108,24 @@ bool EngineProcess::run(const EngineProgram& program, const QStringList& argumen
   process_->setChildProcessModifier([in = commands.readEnd.get(), out = messages.writeEnd.get(),
                                      parent = ::getpid()] { prepareChild(in, out, parent); });
   const auto taken = occupyLowDescriptors();
-  process_->start(program.path,
-                  arguments + QStringList{u"--user-data-dir="_s + folder_.profilePath()});
+  process_->start(program.path, arguments + profileArguments());
   if (!process_->waitForStarted()) return false;
   processIdentifier_ = process_->processId();
   readEnd_ = std::move(messages.readEnd);
   writeEnd_ = std::move(commands.writeEnd);
   return true;
+}
+
+/// What can be fetched again is not kept.
+QStringList EngineProcess::profileArguments() const {
+  if (!profile_) return {u"--user-data-dir="_s + folder_.profilePath()};
+  return {u"--user-data-dir="_s + profile_->path(),
+          u"--disk-cache-dir="_s + folder_.temporaryPath()};
+}
+
+void EngineProcess::waitForEnd(std::chrono::milliseconds limit) {
+  if (process_ && process_->state() != QProcess::NotRunning)
+    process_->waitForFinished(static_cast<int>(limit.count()));
 }
 
 void EngineProcess::collectDiagnostics() {
@@ -135,6 +148,7 @@ QString EngineProcess::kill() {
 
 void EngineProcess::end(FolderRemoval removal) {
   kill();
+  profile_.reset();
   if (removal == FolderRemoval::Now) return folder_.remove();
   auto folder = std::make_shared<EngineFolder>(std::move(folder_));
   dispatch::globalAsync(dispatch::Priority::Default, [folder] { folder->remove(); });

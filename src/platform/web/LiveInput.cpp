@@ -131,10 +131,13 @@ QJsonObject describe(const MouseInput& input) {
   const QString type = input.type == MouseInput::Type::Press     ? u"mousePressed"_s
                        : input.type == MouseInput::Type::Release ? u"mouseReleased"_s
                                                                  : u"mouseMoved"_s;
+  // A move without a button selects nothing, whatever buttons are down.
+  const bool isDrag = input.type == MouseInput::Type::Move && input.buttons & Qt::LeftButton;
+  const Qt::MouseButton button = isDrag ? Qt::LeftButton : input.button;
   return {{u"type"_s, type},
           {u"x"_s, input.position.x()},
           {u"y"_s, input.position.y()},
-          {u"button"_s, buttonName(input.button)},
+          {u"button"_s, buttonName(button)},
           {u"buttons"_s, buttonBits(input.buttons)},
           {u"modifiers"_s, modifierBits(input.modifiers)},
           {u"clickCount"_s, input.type == MouseInput::Type::Move ? 0 : input.clickCount}};

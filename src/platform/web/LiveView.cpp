@@ -153,6 +153,11 @@ void LiveView::pageCommittedLoad(Page&, const Frame& frame) {
   if (frame.isMain() && running_) startScreencast();
 }
 
+/// A page may give one of its fields the focus.
+void LiveView::pageFinishedLoad(Page&, const Frame& frame) {
+  if (frame.isMain()) readCaret();
+}
+
 void LiveView::handlePicture(const QJsonObject& event) {
   page_->send(u"Page.screencastFrameAck"_s, {{u"sessionId"_s, event[u"sessionId"]}});
   if (!running_) return;
@@ -237,7 +242,17 @@ void LiveView::deliver(const QString& method, const QJsonObject& parameters) {
   if (holding_)
     held_.push_back({method, parameters});
   else
-    page_->send(method, parameters);
+    sendInput({method, parameters});
+}
+
+/// What the user does moves the caret, all but the mere way of the pointer.
+void LiveView::sendInput(const HeldInput& input) {
+  ReplyCallback done;
+  if (input.parameters[u"type"].toString() != u"mouseMoved")
+    done = [weak = weak_from_this()](const auto&) {
+      if (const auto self = weak.lock()) self->readCaret();
+    };
+  page_->send(input.method, input.parameters, std::move(done));
 }
 
 /// Input that follows waits a moment: were it sent at once, the release would overtake the press.
@@ -275,7 +290,7 @@ void LiveView::openList(ChoiceRequest choice) {
 void LiveView::flushInput() {
   holding_ = false;
   for (const HeldInput& input : std::exchange(held_, {}))
-    page_->send(input.method, input.parameters);
+    sendInput(input);
 }
 
 /// Asks one question at a time; the pointer's last place is asked for in the end.
@@ -296,6 +311,25 @@ void LiveView::readCursor(const QPointF& position) {
         if (self->cursorPosition_) self->readCursor(*self->cursorPosition_);
       },
       cursorTimeout);
+}
+
+/// Asks one question at a time, and once more when something was done meanwhile.
+void LiveView::readCaret() {
+  if (readingCaret_ != Reading::Idle) {
+    readingCaret_ = Reading::Again;
+    return;
+  }
+  readingCaret_ = Reading::UnderWay;
+  readTextInput(*page_, [weak = weak_from_this()](TextInput input) {
+    const auto self = weak.lock();
+    if (!self) return;
+    const bool again = std::exchange(self->readingCaret_, Reading::Idle) == Reading::Again;
+    input.caret = {input.caret.topLeft() * self->zoom_, input.caret.size() * self->zoom_};
+    const auto delegate = self->delegate_.lock();
+    if (std::exchange(self->textInput_, input) != input && delegate)
+      delegate->liveViewChangedTextInput(*self, input);
+    if (again) self->readCaret();
+  });
 }
 
 void LiveView::readSelectedText(std::function<void(const QString&)> callback) {
@@ -321,6 +355,9 @@ void LiveView::acceptAnyCertificate() {
 
 void LiveView::clearCookies() {
   page_->send(u"Network.clearBrowserCookies"_s);
+  // Many sites keep a login in their storage. The origin "*" stands for all of them.
+  page_->send(u"Storage.clearDataForOrigin"_s,
+              {{u"origin"_s, u"*"_s}, {u"storageTypes"_s, u"all"_s}});
 }
 
 }  // namespace web

@@ -9,6 +9,7 @@
 #include "platform/dispatch/Timer.h"
 #include "platform/web/LiveInput.h"
 #include "platform/web/Page.h"
+#include "platform/web/TextInput.h"
 
 namespace web {
 
@@ -24,6 +25,8 @@ class LiveViewDelegate {
   /// Pictures that come faster than they are decoded are left out; the last one always comes.
   virtual void liveViewReceivedPicture(LiveView&, const QImage&) {}
   virtual void liveViewChangedCursor(LiveView&, Qt::CursorShape) {}
+  /// The caret is in points of the area, as input is.
+  virtual void liveViewChangedTextInput(LiveView&, const TextInput&) {}
 };
 
 /// A page as its user sees and operates it: pictures out, input in. What the page asks its user
@@ -65,12 +68,19 @@ class LiveView : public PageObserver, public std::enable_shared_from_this<LiveVi
   /// closed.
   void acceptAnyCertificate();
 
-  /// Forgets the cookies of the page's profile, for all pages that share it.
+  /// Forgets the cookies of the page's profile and what sites have stored in it, for all pages that
+  /// share it.
   void clearCookies();
 
   void pageCommittedLoad(Page&, const Frame&) override;
+  void pageFinishedLoad(Page&, const Frame&) override;
 
  private:
+  struct HeldInput {
+    QString method;
+    QJsonObject parameters;
+  };
+
   explicit LiveView(std::shared_ptr<Page> page);
   void begin();
   void applySize();
@@ -85,12 +95,9 @@ class LiveView : public PageObserver, public std::enable_shared_from_this<LiveVi
   void press(const MouseInput& input);
   void openList(ChoiceRequest choice);
   void flushInput();
+  void sendInput(const HeldInput& input);
   void readCursor(const QPointF& position);
-
-  struct HeldInput {
-    QString method;
-    QJsonObject parameters;
-  };
+  void readCaret();
 
   std::shared_ptr<Page> page_;
   std::weak_ptr<LiveViewDelegate> delegate_;
@@ -112,6 +119,8 @@ class LiveView : public PageObserver, public std::enable_shared_from_this<LiveVi
   std::optional<QPointF> cursorPosition_;
   bool readingCursor_ = false;
   Qt::CursorShape cursor_ = Qt::ArrowCursor;
+  enum class Reading { Idle, UnderWay, Again } readingCaret_ = Reading::Idle;
+  TextInput textInput_;
   std::unique_ptr<dispatch::Timer> restTimer_;
   Subscription pictures_;
 };

@@ -105,6 +105,11 @@ Error describeFailure(const FailedRequest& request) {
   return makeError(LoadFailed, sentence(request));
 }
 
+Error describeRefusal(const QUrl& url, const Error& answer) {
+  if (!url.isRelative()) return makeError(LoadFailed, answer.localizedDescription);
+  return makeError(LoadFailed, u"The address does not begin with a scheme, such as “https://”."_s);
+}
+
 Error describeNoAnswer(const QUrl& url, std::chrono::milliseconds limit) {
   const QString seconds = QString::number(static_cast<double>(limit.count()) / 1000);
   return makeError(

@@ -20,6 +20,8 @@ struct FailedRequest {
 
 /// The failure in a sentence for people.
 Error describeFailure(const FailedRequest& request);
+/// The browser would not even begin, and gave `answer`.
+Error describeRefusal(const QUrl& url, const Error& answer);
 Error describeNoAnswer(const QUrl& url, std::chrono::milliseconds limit);
 
 }  // namespace web

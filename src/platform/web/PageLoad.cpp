@@ -59,6 +59,9 @@ void PageLoad::setReady() {
 
 void PageLoad::load(const PageRequest& request) {
   ++generation_;
+  if (provisional_) endedLoaders_.insert(provisional_->loader);
+  // Whether or not the document shown comes to its end, that is not the end of this load.
+  document_.finished = true;
   active_ = true;
   committed_ = false;
   reloadsAtFragment_ = false;
@@ -98,16 +101,17 @@ void PageLoad::navigate(const QUrl& url) {
   session_.send(u"Page.navigate"_s, parameters,
                 [this, weak = page_.weak_from_this(), generation = generation_](const auto& reply) {
                   const auto page = weak.lock();
-                  if (!page || generation != generation_) return;
-                  awaitingReply_ = false;
-                  if (active_) handleNavigateReply(reply);
+                  if (!page) return;
+                  if (generation == generation_) awaitingReply_ = false;
+                  if (generation == generation_ && active_) return handleNavigateReply(reply);
+                  if (reply) endedLoaders_.insert((*reply)[u"loaderId"].toString());
                 });
 }
 
 void PageLoad::handleNavigateReply(const Result<QJsonObject>& reply) {
   // The end of the browser or the page is reported by `fail`, in its own words.
   if (!reply && session_.isClosed()) return;
-  if (!reply) return failWith(makeError(LoadFailed, reply.error().localizedDescription));
+  if (!reply) return failWith(describeRefusal(request_.url, reply.error()));
   const QString loader = (*reply)[u"loaderId"].toString();
   const QString errorText = (*reply)[u"errorText"].toString();
   if (errorText.isEmpty()) {
@@ -120,6 +124,8 @@ void PageLoad::handleNavigateReply(const Result<QJsonObject>& reply) {
   FailedRequest failed{currentURL(), errorText, {}, FailedRequest::Kind::Page};
   if (isDownload) failed.kind = FailedRequest::Kind::Download;
   if (provisional_) failed.response = provisional_->response;
+  // The request may have ended before the browser told of it; its error page comes all the same.
+  endedLoaders_.insert(loader);
   failWith(describeFailure(failed));
 }
 
@@ -154,7 +160,7 @@ void PageLoad::handleRequest(const QJsonObject& event) {
 
 void PageLoad::handleMainRequest(const QJsonObject& event) {
   const QString loader = event[u"loaderId"].toString();
-  if (loader == endedLoader_) return;
+  if (endedLoaders_.contains(loader)) return;
   const QUrl url = shownURL(QUrl(event[u"request"][u"url"].toString()));
   if (!provisional_ || provisional_->loader != loader) return beginProvisional(loader, url);
   provisional_->url = url;
@@ -251,12 +257,15 @@ void PageLoad::handleFrameNavigated(const QJsonObject& event) {
 void PageLoad::commit(const QJsonObject& frame) {
   const QString loader = frame[u"loaderId"].toString();
   const QString unreachable = frame[u"unreachableUrl"].toString();
-  answerTimer_.reset();
   frames_.clearChildren();
   title_.clear();
   const QUrl url = shownURL(QUrl(frame[u"url"].toString() + frame[u"urlFragment"].toString()));
-  document_ = {loader, url, frame[u"mimeType"].toString(), false};
-  if (loader == endedLoader_ || !active_) return;
+  const bool counts = active_ && !endedLoaders_.contains(loader);
+  document_ = {loader, url, frame[u"mimeType"].toString(), !counts};
+  if (!counts) return;
+  // Loads of a frame replace its document in their order: none of the earlier ones follows.
+  endedLoaders_.clear();
+  answerTimer_.reset();
   if (!unreachable.isEmpty()) {
     const QString text = lastErrorText_.isEmpty() ? u"net::ERR_FAILED"_s : lastErrorText_;
     return failWith(describeFailure({QUrl(unreachable), text, {}, FailedRequest::Kind::Page}));
@@ -360,7 +369,7 @@ void PageLoad::fail(const Error& reason) {
 }
 
 void PageLoad::endLoad() {
-  if (active_) endedLoader_ = provisional_ ? provisional_->loader : document_.loader;
+  if (active_) endedLoaders_.insert(provisional_ ? provisional_->loader : document_.loader);
   active_ = false;
   awaitingReply_ = false;
   reloadsAtFragment_ = false;

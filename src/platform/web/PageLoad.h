@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QJsonObject>
+#include <QSet>
 #include <QString>
 #include <QUrl>
 #include <memory>
@@ -123,8 +124,9 @@ class PageLoad {
   double reportedProgress_ = 0;
   std::optional<Provisional> provisional_;
   Document document_;
-  /// The loader of a load that was ended; what the browser still tells of it does not count.
-  QString endedLoader_;
+  /// Loaders of loads that were ended and may still replace the document, if only by an error page:
+  /// what the browser still tells of them does not count.
+  QSet<QString> endedLoaders_;
   QString lastErrorText_;
   QString title_;
   QHash<QString, QString> requestFrames_;

@@ -135,10 +135,14 @@ void LivePageView::inputMethodEvent(QInputMethodEvent* event) {
   composing_ = !text.isEmpty();
 }
 
-/// The page's caret is not known here: candidates appear where the user pressed last.
+/// Where the caret is not known, candidates appear at the place where the user pressed last.
 QVariant LivePageView::inputMethodQuery(Qt::InputMethodQuery query) const {
-  if (query == Qt::ImEnabled) return true;
-  if (query == Qt::ImCursorRectangle) return QRectF(lastPressPosition_, QSizeF(1, 20));
+  using Kind = web::TextInput::Kind;
+  if (query == Qt::ImEnabled) return textInput_.kind != Kind::None;
+  if (query == Qt::ImHints && textInput_.kind == Kind::Password)
+    return int(Qt::ImhHiddenText | Qt::ImhSensitiveData | Qt::ImhNoPredictiveText);
+  if (query == Qt::ImCursorRectangle || query == Qt::ImAnchorRectangle)
+    return textInput_.caret.isNull() ? QRectF(lastPressPosition_, QSizeF(1, 20)) : textInput_.caret;
   return QWidget::inputMethodQuery(query);
 }
 

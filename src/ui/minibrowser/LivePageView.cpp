@@ -27,6 +27,10 @@ class LivePageView::Bridge : public web::LiveViewDelegate {
   void liveViewChangedCursor(web::LiveView&, Qt::CursorShape shape) override {
     widget_.setCursor(shape);
   }
+  void liveViewChangedTextInput(web::LiveView&, const web::TextInput& input) override {
+    widget_.textInput_ = input;
+    widget_.updateMicroFocus();
+  }
 
  private:
   LivePageView& widget_;
@@ -48,6 +52,7 @@ void LivePageView::setPage(const std::shared_ptr<web::Page>& page) {
   liveView_->setZoom(zoom_);
   picture_ = {};
   composing_ = false;
+  textInput_ = {};
   applySize();
   if (isVisible()) liveView_->start();
   update();

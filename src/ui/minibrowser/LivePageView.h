@@ -79,6 +79,7 @@ class LivePageView : public QWidget {
   QElapsedTimer lastUse_;
   QElapsedTimer lastPress_;
   QPointF lastPressPosition_;
+  web::TextInput textInput_;
   int clickCount_ = 1;
   bool composing_ = false;
 };

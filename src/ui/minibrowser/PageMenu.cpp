@@ -25,6 +25,9 @@ QString placeScript(const QPointF& position) {
   return uR"((() => {
     const element = document.elementFromPoint(%1, %2);
     const link = element && element.closest('a[href], area[href]');
+    // As a press does, the right button moves the focus into the field that it points at.
+    const pointed = element && element.closest('input, textarea, [contenteditable]');
+    if (pointed && pointed !== document.activeElement) pointed.focus({preventScroll: true});
     const field = document.activeElement;
     const typed = field && typeof field.selectionStart === 'number';
     return {link: link ? String(link.href) : '',

@@ -139,11 +139,14 @@ void PageQuestions::pageAsksFiles(web::Page&, const web::FileRequest& request,
   auto* panel = new QFileDialog(view_->window(), QDialog::tr("Choose"));
   panel->setAttribute(Qt::WA_DeleteOnClose);
   panel->setWindowModality(Qt::WindowModal);
+  panel->setDirectory(*folder_);
   panel->setFileMode(request.count == web::FileRequest::Count::Many ? QFileDialog::ExistingFiles
                                                                     : QFileDialog::ExistingFile);
-  QObject::connect(panel, &QFileDialog::finished, panel, [panel, answer](int result) {
-    answer(result == QDialog::Accepted ? panel->selectedFiles() : QStringList());
-  });
+  QObject::connect(panel, &QFileDialog::finished, panel,
+                   [panel, answer, folder = folder_](int result) {
+                     if (result == QDialog::Accepted) *folder = panel->directory().path();
+                     answer(result == QDialog::Accepted ? panel->selectedFiles() : QStringList());
+                   });
   panel->open();
 }
 

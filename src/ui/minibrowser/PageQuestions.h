@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QDir>
 #include <QPointer>
 #include <QWidget>
 
@@ -32,4 +33,6 @@ class PageQuestions : public web::PagePromptDelegate {
   QPointer<LivePageView> view_;
   int dialogs_ = 0;
   std::shared_ptr<bool> silenced_ = std::make_shared<bool>(false);
+  /// Where files were chosen last.
+  std::shared_ptr<QString> folder_ = std::make_shared<QString>(QDir::homePath());
 };

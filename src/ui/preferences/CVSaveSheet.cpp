@@ -10,10 +10,13 @@
 #include <QUrl>
 #include <QVBoxLayout>
 
+#include "capture/ResultName.h"
 #include "delivery/CVUtils.h"
 #include "settings/CVPreferences.h"
+#include "ui/look/Theme.h"
 #include "ui/preferences/CVSnapshotPreferencesViewController.h"
 #include "ui/window/ElidedLabel.h"
+#include "ui/window/ReplaceQuestion.h"
 
 namespace {
 
@@ -47,6 +50,7 @@ class SheetContents : public QObject {
     folderRow->addWidget(folderLabel_, 1);
     folderRow->addWidget(change);
     extension_ = new QLabel;
+    extension_->setObjectName(QStringLiteral("extensionLabel"));
     auto* nameRow = new QHBoxLayout;
     nameRow->addWidget(name_, 1);
     nameRow->addWidget(extension_);
@@ -60,7 +64,11 @@ class SheetContents : public QObject {
     auto* parts = new QVBoxLayout(&sheet_);
     parts->setContentsMargins(0, 0, 0, 0);
     parts->addLayout(form);
-    connect(name_, &QLineEdit::textChanged, this, [this] { showWhetherNamed(); });
+    name_->selectAll();
+    connect(name_, &QLineEdit::textChanged, this, [this] {
+      showWhetherNamed();
+      showExtension();
+    });
   }
 
   void addPane() {
@@ -76,7 +84,7 @@ class SheetContents : public QObject {
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Save | QDialogButtonBox::Cancel);
     buttons->setContentsMargins(24, 0, 24, 20);
     save_ = buttons->button(QDialogButtonBox::Save);
-    connect(buttons, &QDialogButtonBox::accepted, &sheet_, &QDialog::accept);
+    connect(buttons, &QDialogButtonBox::accepted, this, [this] { save(); });
     connect(buttons, &QDialogButtonBox::rejected, &sheet_, &QDialog::reject);
     sheet_.layout()->addWidget(buttons);
     showWhetherNamed();
@@ -88,10 +96,20 @@ class SheetContents : public QObject {
 
   void showFolder() { folderLabel_->setFullText(folder_.toLocalFile()); }
 
-  /// The extension that the file will get.
+  /// The extension that is appended to the name, where it does not end with it already.
   void showExtension() {
-    const auto extension = CVPreferences::getExtensionForConversionFormat(preferences_->format());
-    extension_->setText(extension ? QStringLiteral(".") + *extension : QString());
+    const QString name = chosen().fileName();
+    extension_->setText(result().fileName().sliced(name.size()));
+  }
+
+  QUrl result() const { return capture::withExtensionOfFormat(chosen(), preferences_->format()); }
+
+  /// Only on the disk is anything replaced: other destinations get a file of that name in a folder
+  /// of their own.
+  void save() {
+    if (preferences_->destination() != QStringLiteral("Disk")) return sheet_.accept();
+    ui::whenMayBeWritten(
+        &sheet_, result(), [this] { sheet_.accept(); }, [this] { name_->setFocus(); });
   }
 
   void chooseFolder() {

@@ -249,7 +249,8 @@ void CVMainWindowController::bringToFront() {
 void CVMainWindowController::beginSavePanel(
     const QString& name, const std::optional<QUrl>& folder,
     std::function<void(std::optional<QUrl> chosen)> completion) {
-  ui::beginSavePanel(this, name, folder, std::move(completion));
+  // What the program's commands save by way of its window are PDFs.
+  ui::beginSavePanel(this, name, QStringLiteral("pdf"), folder, std::move(completion));
 }
 
 void CVMainWindowController::closeEvent(QCloseEvent* event) {

@@ -2,14 +2,15 @@
 
 #include <QMessageBox>
 
+/// The window may be closed with everything on it while the user reads.
 void CVOkAlert::displayOKAlertWithTitle(const QString& title, const QString& message) {
-  auto* alert = new QMessageBox(mainWindow_);
-  alert->setAttribute(Qt::WA_DeleteOnClose);
+  const QPointer<QMessageBox> alert = new QMessageBox(mainWindow_);
   alert->setIcon(QMessageBox::Information);
   alert->setWindowTitle(title);
   alert->setText(title);
   alert->setInformativeText(message);
   alert->setTextFormat(Qt::PlainText);
   alert->addButton(QMessageBox::tr("Ok"), QMessageBox::AcceptRole);
-  alert->open();
+  alert->exec();
+  delete alert;
 }

@@ -5,8 +5,8 @@
 
 #include "delivery/CVUtils.h"
 
-/// The program's one kind of alert: a message with one button, as a sheet on the main window. It
-/// does not hold the caller up. Main thread.
+/// The program's one kind of alert: a message with one button, modal to the whole program. The main
+/// queue is served while it waits for its dismissal. Main thread.
 class CVOkAlert : public CVAlertPresenter {
  public:
   void setMainWindow(QWidget* window) { mainWindow_ = window; }

@@ -15,9 +15,13 @@ class Watcher : public web::LiveViewDelegate {
  public:
   QImage picture;
   std::optional<Qt::CursorShape> cursor;
+  web::TextInput textInput;
 
   void liveViewReceivedPicture(web::LiveView&, const QImage& image) override { picture = image; }
   void liveViewChangedCursor(web::LiveView&, Qt::CursorShape shape) override { cursor = shape; }
+  void liveViewChangedTextInput(web::LiveView&, const web::TextInput& input) override {
+    textInput = input;
+  }
 };
 
 /// A user who answers everything, and one who forgets every question.
@@ -138,6 +142,59 @@ TEST_F(LiveViewTest, InputReachesWhatItPointsAt) {
   EXPECT_EQ(*selected, u"ax\u65e5"_s);
   view->send(web::WheelInput{{100, 100}, {0, 300}});
   EXPECT_TRUE(pageHas(u"scrollY === 200"_s));
+}
+
+TEST_F(LiveViewTest, DraggingSelectsText) {
+  using Type = web::MouseInput::Type;
+  show("<p style='left:10px;top:10px;width:385px;font:20px/30px sans-serif'>Words to select");
+  view->send({Type::Press, {11, 25}, Qt::LeftButton, Qt::LeftButton});
+  view->send({Type::Move, {60, 25}, Qt::NoButton, Qt::LeftButton});
+  view->send({Type::Move, {390, 25}, Qt::NoButton, Qt::LeftButton});
+  view->send({Type::Release, {390, 25}, Qt::LeftButton, Qt::NoButton});
+  EXPECT_TRUE(pageHas(u"String(getSelection()).trim() === 'Words to select'"_s));
+}
+
+TEST_F(LiveViewTest, InputMethodsLearnWhereTheCaretIs) {
+  using Kind = web::TextInput::Kind;
+  show(
+      "<style>* {font:20px/30px monospace; padding:0; border:0}</style>"
+      "<input autofocus style='left:40px;top:0;width:300px;height:30px'>"
+      "<textarea style='left:40px;top:40px;width:300px;height:90px'>one\ntwo\n</textarea>"
+      "<input type=password style='left:40px;top:140px;width:300px;height:30px'>"
+      "<p contenteditable style='left:40px;top:180px;width:300px;height:30px'></p>"
+      "<iframe style='left:20px;top:220px;width:300px;height:50px' "
+      "srcdoc='<input style=\"position:absolute;left:20px;top:5px;width:200px\">'></iframe>"
+      "<button style='left:350px;top:0;width:40px;height:30px'>B</button>");
+  const auto caretAt = [this](const QPointF& place, Kind kind) {
+    const bool found = support::waitFor([&] {
+      const QPointF off = watcher->textInput.caret.center() - place;
+      return watcher->textInput.kind == kind && std::abs(off.x()) < 12 && std::abs(off.y()) < 12;
+    });
+    EXPECT_TRUE(found) << place.x() << ' ' << place.y() << ", is "
+                       << watcher->textInput.caret.center().x() << ' '
+                       << watcher->textInput.caret.center().y();
+  };
+  const double letter = evaluate(
+                            u"(() => {const c = new OffscreenCanvas(1, 1).getContext('2d'); c.font "
+                            u"= '20px monospace';"
+                            "return c.measureText('x').width})()"_s)
+                            ->toDouble();
+  caretAt({40, 15}, Kind::Text);
+  view->insertText(u"abcdefgh"_s);
+  caretAt({40 + 8 * letter, 15}, Kind::Text);
+  click({200, 120});
+  view->insertText(u"three"_s);
+  caretAt({40 + 5 * letter, 40 + 75}, Kind::Text);
+  click({200, 155});
+  caretAt({40, 155}, Kind::Password);
+  click({200, 195});
+  view->insertText(u"ab"_s);
+  caretAt({40 + 2 * letter, 195}, Kind::Text);
+  click({100, 240});
+  caretAt({42, 240}, Kind::Text);
+  view->setZoom(2);
+  click({720, 30});
+  EXPECT_TRUE(support::waitFor([&] { return watcher->textInput.kind == Kind::None; }));
 }
 
 TEST_F(LiveViewTest, CursorFollowsWhatLiesUnderThePointer) {

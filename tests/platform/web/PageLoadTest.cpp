@@ -136,6 +136,44 @@ TEST_F(PageLoadTest, UnreachableAddressesAreExplained) {
   }
 }
 
+/// The browser shows a page of its own for each failure, and tells of it when the next load may
+/// have begun already.
+class NextLoadAfterFailure : public web::PageObserver {
+ public:
+  explicit NextLoadAfterFailure(std::vector<QUrl> rest) : rest_(std::move(rest)) {}
+  void pageFailedLoad(web::Page& page, web::LoadPhase, const Error&) override {
+    if (next_ < rest_.size()) page.load({rest_[next_++]});
+  }
+
+ private:
+  std::vector<QUrl> rest_;
+  size_t next_ = 0;
+};
+
+TEST_F(PageLoadTest, ErrorPagesOfEarlierLoadsDoNotFailALaterOne) {
+  server.setPage(u"/good"_s, "<title>Good</title>");
+  server.set(u"/file"_s, {"PK", "application/zip"});
+  const QUrl unknown(u"http://no-such-name.example/"_s), download = server.url(u"/file"_s),
+                                                         relative(u"no-such-name.example/x"_s),
+                                                         good = server.url(u"/good"_s);
+  const std::vector<QUrl> rows[] = {{unknown, relative, good},
+                                    {unknown, download, good},
+                                    {unknown, relative, unknown, download, relative, good},
+                                    {unknown, unknown, relative, relative, good}};
+  for (const auto& row : rows) {
+    openPage();
+    const auto next =
+        std::make_shared<NextLoadAfterFailure>(std::vector(row.begin() + 1, row.end()));
+    page->addObserver(next);
+    page->load({row.front()});
+    ASSERT_TRUE(support::waitFor(
+        [&] { return recorder->finished() || recorder->count("fail") == int(row.size()); }));
+    EXPECT_EQ(recorder->count("fail"), int(row.size()) - 1);
+    EXPECT_EQ(page->title().toStdString(), "Good")
+        << recorder->failure->localizedDescription.toStdString();
+  }
+}
+
 TEST_F(PageLoadTest, AnErrorPageWithADocumentLoads) {
   server.set(u"/gone"_s, {"<title>Not here</title><p>Sorry", "text/html", "404 Not Found"});
   openPage();

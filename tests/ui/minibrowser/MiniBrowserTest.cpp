@@ -195,7 +195,7 @@ TEST_F(MiniBrowserTest, FailuresTurnTheAddressRedAndSayWhy) {
   const struct {
     QString typed;
     QString reason;
-  } rows[] = {{u"  nowhere.test/x \n"_s, u""_s},
+  } rows[] = {{u"  nowhere.test/x \n"_s, u"scheme"_s},
               {u"http://nowhere.test/"_s, u"not found"_s},
               {server.url(u"/file"_s).toString(), u"download"_s}};
   window->makeKeyAndOrderFront();
