@@ -15,27 +15,32 @@ using support::waitFor;
 
 namespace {
 
-/// So tall that it is still being converted when the test has seen that it is.
-QString tallPage(const QString& title) {
-  return requests::fullRequest(
-      u"corvxurl://127.0.0.1/tall"_s,
-      u"<html><head><title>%1</title></head><body><div style='height:60000px;background:"
-      "repeating-conic-gradient(#123 0 9deg,#8ac 0 18deg)'></div></body></html>"_s.arg(title),
-      u""_s, u""_s);
+/// The tall one is still being converted when a test has seen that it is.
+enum class Height { Low = 100, Tall = 40'000 };
+
+QString page(const QString& title, Height height) {
+  const QString markup =
+      u"<html><head><title>%1</title></head><body><div style='height:%2px;background:"
+      "repeating-conic-gradient(#123 0 9deg,#8ac 0 18deg)'></div></body></html>"_s;
+  return requests::fullRequest(u"corvxurl://127.0.0.1/page"_s, markup.arg(title).arg(int(height)),
+                               u""_s, u""_s);
 }
 
 class Ending : public testing::Test {
  protected:
-  Ending() { server_.set(u"/never"_s, {{}, {}, {}, {}, HttpServer::Answer::Kind::Never}); }
+  Ending() {
+    server_.set(u"/never"_s, {{}, {}, {}, {}, HttpServer::Answer::Kind::Never});
+    session_.recordEngineStarts();
+  }
 
   /// One page is being converted, one loads and does not come, others wait.
   QProcess& startWorking() {
     QProcess& program = session_.startCorvalis();
-    session_.sendRequest(tallPage(u"Tall"_s));
+    session_.sendRequest(page(u"Tall"_s, Height::Tall));
     awaitRow(u"Processing..."_s);
     session_.sendRequest(server_.url(u"/never"_s).toString());
     awaitRow(u"Downloading..."_s);
-    session_.sendRequest(tallPage(u"Waiting"_s));
+    session_.sendRequest(page(u"Waiting"_s, Height::Low));
     return program;
   }
 
@@ -53,6 +58,7 @@ class Ending : public testing::Test {
     EXPECT_EQ(program.exitCode(), 0);
     EXPECT_TRUE(waitFor([&] { return processes.hasEnded(); }));
     EXPECT_EQ(session_.leftovers(), QStringList());
+    EXPECT_EQ(session_.workFiles(), QStringList());
   }
 
   void expectWholeFilesOnly() {
@@ -75,6 +81,7 @@ TEST_F(Ending, ClosingTheWindowEndsTheWorkAndTheEngine) {
   session_.pressKeys({u"ctrl+w"_s});
   expectEnd(program, processes);
   expectWholeFilesOnly();
+  EXPECT_EQ(session_.engineStarts(), 1) << "a waiting page brought the engine back";
 }
 
 TEST_F(Ending, TerminationEndsTheWorkAndTheEngine) {
@@ -83,6 +90,7 @@ TEST_F(Ending, TerminationEndsTheWorkAndTheEngine) {
   program.terminate();
   expectEnd(program, processes);
   expectWholeFilesOnly();
+  EXPECT_EQ(session_.engineStarts(), 1) << "a waiting page brought the engine back";
 }
 
 TEST_F(Ending, KilledProgramTakesItsEngineAlong) {

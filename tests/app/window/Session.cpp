@@ -199,3 +199,20 @@ QStringList Session::notifications() const {
 QStringList Session::leftovers() const {
   return QDir(path(u"TMPDIR"_s)).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
 }
+
+QStringList Session::workFiles() const {
+  return QDir(path(u"XDG_DATA_HOME"_s) + u"/com.maplebrook.corvalis/Downloads"_s)
+      .entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
+}
+
+void Session::recordEngineStarts() {
+  const QString script = write(u"headless-shell"_s,
+                               "#!/bin/sh\nprintf x >> \"$0.starts\"\n"
+                               "exec /usr/lib/chromium/chromium-headless-shell \"$@\"\n");
+  QFile::setPermissions(script, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+  environment_.insert(u"CORVALIS_ENGINE"_s, script);
+}
+
+int Session::engineStarts() const {
+  return int(QFileInfo(path(u"headless-shell.starts"_s)).size());
+}

@@ -60,6 +60,12 @@ class Session {
   bool canBeStarted(const QString& service) const;
   /// Names of what engines have left in the folder for temporary files.
   QStringList leftovers() const;
+  /// Names in the folder of files that are being worked on.
+  QStringList workFiles() const;
+
+  /// From now on, programs start the engine through a script that keeps count. Debian's engine.
+  void recordEngineStarts();
+  int engineStarts() const;
 
  private:
   void startDisplay();
