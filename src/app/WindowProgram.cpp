@@ -66,6 +66,8 @@ WindowProgram::WindowProgram()
 
 WindowProgram::~WindowProgram() {
   printing::PrintPanel::setShared(nullptr);
+  // Without it no waiting page begins when the running ones fail with their engine.
+  CVObjectRepository::singleton().addObject(nullptr, u"entryTaskManager"_s);
   miniBrowser_.reset();
   window_.reset();
   engine_->shutdown();

@@ -49,6 +49,7 @@ void CVAppDelegate::enqueueAll(const std::vector<std::shared_ptr<CVEntry>>& entr
     if (--*remaining == 0) self->allProcessed(processAutomatically);
   };
   const auto manager = CVObjectRepository::singleton().getEntryTaskManager();
+  if (!manager) return;  // the program ends
   for (const auto& entry : entries) {
     if (canBeProcessed(*entry)) manager->enqueueEntryForProcessing(entry, ended);
   }

@@ -45,9 +45,10 @@ class RunningInstance : public ApplicationService {
       return failure(QString::fromUtf16(desktopErrorDomain), DesktopErrorFile,
                      u"The program cannot write in %1."_s.arg(runtimeFolder()));
     }
-    if (bus_.claim() == BusDoor::Claim::OwnedByAnother) return false;
+    // The socket comes before the name: whoever waits for the name may have a request that only the
+    // socket is large enough for.
     if (auto error = socket_.listen()) return tl::unexpected<Error>(*error);
-    return true;
+    return bus_.claim() != BusDoor::Claim::OwnedByAnother;
   }
 
  private:

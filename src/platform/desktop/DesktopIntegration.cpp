@@ -1,5 +1,7 @@
 #include "platform/desktop/DesktopIntegration.h"
 
+#include <QDBusConnection>
+#include <QDBusMessage>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -156,6 +158,20 @@ void updateDatabases() {
   updateDatabase(u"update-mime-database"_s, u"mime"_s);
 }
 
+/// A bus that was there before the folder of its services sees them only when it looks again. One
+/// that cannot be told finds them at the next log-in.
+void tellSessionBus() {
+  const auto bus = QDBusConnection::sessionBus();
+  if (!bus.isConnected()) return;
+  constexpr int patience = 10'000;  // milliseconds
+  const auto reload =
+      QDBusMessage::createMethodCall(u"org.freedesktop.DBus"_s, u"/org/freedesktop/DBus"_s,
+                                     u"org.freedesktop.DBus"_s, u"ReloadConfig"_s);
+  const QDBusMessage reply = bus.call(reload, QDBus::Block, patience);
+  if (reply.type() == QDBusMessage::ErrorMessage)
+    logLine(u"The session bus did not look for new services: %1"_s.arg(reply.errorMessage()));
+}
+
 MaybeError writeFiles(const DesktopIntegrationSettings& settings) {
   const QByteArray entry =
       filledTemplate(u"com.maplebrook.corvalis.desktop.in"_s, execWord(settings.program));
@@ -178,6 +194,7 @@ MaybeError integrateWithDesktop(const DesktopIntegrationSettings& settings) {
   if (auto error = writeFiles(settings)) return error;
   if (auto error = claimSchemes()) return error;
   updateDatabases();
+  tellSessionBus();
   return std::nullopt;
 }
 
@@ -186,6 +203,7 @@ MaybeError removeDesktopIntegration() {
   for (const QString& file : {entryFile, serviceFile, mimeFile, iconFile})
     if (auto error = remove(inData(file))) return error;
   updateDatabases();
+  tellSessionBus();
   return std::nullopt;
 }
 

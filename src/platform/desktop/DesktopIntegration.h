@@ -18,7 +18,8 @@ struct DesktopIntegrationSettings {
 /// Makes the program known to the user's desktop, for this user alone: desktop entry, session bus
 /// service (so that it is started on demand), type of note files, icon, and the program as the
 /// default for the address schemes corvxurl, corvxurls and the Dropbox redirect. Doing it again
-/// brings all of it up to date. Blocks while the desktop's databases are updated. Any thread.
+/// brings all of it up to date. Blocks while the desktop's databases are updated and the session
+/// bus looks for its services anew. Any thread.
 MaybeError integrateWithDesktop(const DesktopIntegrationSettings& settings);
 
 /// Undoes it: the user's list of default programs (mimeapps.list) is byte for byte what it was, or,

@@ -5,10 +5,12 @@
 using namespace Qt::StringLiterals;
 
 BusFake::BusFake(const QString& service, const QString& path, Answer answer)
-    : bus_(QDBusConnection::connectToBus(QDBusConnection::SessionBus, u"fakes"_s)),
-      service_(service),
-      path_(path),
-      answer_(std::move(answer)) {
+    : BusFake(QDBusConnection::connectToBus(QDBusConnection::SessionBus, u"fakes"_s), service, path,
+              std::move(answer)) {}
+
+BusFake::BusFake(const QDBusConnection& bus, const QString& service, const QString& path,
+                 Answer answer)
+    : bus_(bus), service_(service), path_(path), answer_(std::move(answer)) {
   EXPECT_TRUE(bus_.registerVirtualObject(path_, this, QDBusConnection::SubPath));
   EXPECT_TRUE(bus_.registerService(service_)) << qPrintable(service);
 }

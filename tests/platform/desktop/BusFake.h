@@ -6,13 +6,14 @@
 #include <functional>
 #include <optional>
 
-/// A service on the test's own session bus, on a connection of its own.
+/// A service on the test's own session bus, on a connection of its own unless one is given.
 class BusFake : public QDBusVirtualObject {
  public:
   /// The values of the reply; none: the call fails.
   using Answer = std::function<std::optional<QVariantList>(const QDBusMessage&)>;
 
   BusFake(const QString& service, const QString& path, Answer answer);
+  BusFake(const QDBusConnection& bus, const QString& service, const QString& path, Answer answer);
   ~BusFake() override;
 
   /// The calls so far, in their order.
