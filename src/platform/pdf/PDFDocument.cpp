@@ -3,6 +3,7 @@
 #include <qpdf/QPDFPageDocumentHelper.hh>
 
 #include "platform/pdf/internal/Contents.h"
+#include "platform/pdf/internal/DescribedCopy.h"
 #include "platform/pdf/internal/Information.h"
 #include "platform/pdf/internal/PageGeometry.h"
 #include "platform/pdf/internal/QpdfFile.h"
@@ -25,7 +26,9 @@ PDFDocument::~PDFDocument() = default;
 Result<std::shared_ptr<PDFDocument>> PDFDocument::open(const QString& path) {
   auto opened = openQpdf(path);
   if (!opened) return tl::unexpected(opened.error());
-  return std::make_shared<PDFDocument>(std::make_shared<Contents>(std::move(*opened)));
+  const auto contents = std::make_shared<Contents>(std::move(*opened));
+  contents->unchangedFile = path;
+  return std::make_shared<PDFDocument>(contents);
 }
 
 Result<std::shared_ptr<PDFDocument>> PDFDocument::initWithURL(const QUrl& url) {
@@ -53,6 +56,7 @@ MaybeError PDFDocument::insertPageFrom(const PDFDocument& document, int pageInde
   }
   if (at < 0 || at > pageCount())
     return argumentError(u"There is no place %1 for a page."_s.arg(at));
+  contents_->unchangedFile.clear();
   return catchingQpdf(PDFErrorUnreadable, u"The page cannot be taken over: "_s, [&] {
     const QPDFObjectHandle page =
         document.contents_->qpdf.getAllPages().at(static_cast<size_t>(pageIndex));
@@ -67,6 +71,7 @@ MaybeError PDFDocument::insertPageFrom(const PDFDocument& document, int pageInde
 }
 
 void PDFDocument::setDocumentAttributes(const DocumentAttributes& attributes) {
+  contents_->attributes = attributes;
   writeInformation(contents_->qpdf, attributes);
 }
 
@@ -78,6 +83,11 @@ MaybeError PDFDocument::writeToFile(const QString& path) const {
   if (pageCount() == 0) {
     return Error{QString::fromUtf16(errorDomain), PDFErrorNoPages,
                  u"The document \"%1\" has no pages and is not written."_s.arg(path)};
+  }
+  if (contents_->attributes && !contents_->unchangedFile.isEmpty()) {
+    const auto copy = makeDescribedCopy(contents_->unchangedFile, path, *contents_->attributes);
+    if (!copy) return copy.error();
+    if (*copy == DescribedCopy::Made) return std::nullopt;
   }
   return writeQpdf(contents_->qpdf, path);
 }

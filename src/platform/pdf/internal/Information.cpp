@@ -123,9 +123,7 @@ class XmpPacket {
   QXmlStreamWriter writer_{&bytes_};
 };
 
-}  // namespace
-
-void writeInformation(QPDF& document, const DocumentAttributes& attributes) {
+QPDFObjectHandle informationObject(const DocumentAttributes& attributes) {
   QPDFObjectHandle information = QPDFObjectHandle::newDictionary();
   for (const InformationKey& entry : informationKeys) {
     if (entry.attribute == PDFDocumentCreationDateAttribute) continue;
@@ -136,9 +134,24 @@ void writeInformation(QPDF& document, const DocumentAttributes& attributes) {
   if (const auto date = creationDate(attributes)) {
     information.replaceKey("/CreationDate", textObject(dateText(*date)));
   }
-  document.getTrailer().replaceKey("/Info", document.makeIndirectObject(information));
+  return information;
+}
+
+}  // namespace
+
+QByteArray xmpPacket(const DocumentAttributes& attributes) {
+  return XmpPacket().write(attributes);
+}
+
+std::string informationText(const DocumentAttributes& attributes) {
+  return informationObject(attributes).unparse();
+}
+
+void writeInformation(QPDF& document, const DocumentAttributes& attributes) {
+  document.getTrailer().replaceKey("/Info",
+                                   document.makeIndirectObject(informationObject(attributes)));
   QPDFObjectHandle metadata =
-      QPDFObjectHandle::newStream(&document, XmpPacket().write(attributes).toStdString());
+      QPDFObjectHandle::newStream(&document, xmpPacket(attributes).toStdString());
   metadata.getDict().replaceKey("/Type", QPDFObjectHandle::newName("/Metadata"));
   metadata.getDict().replaceKey("/Subtype", QPDFObjectHandle::newName("/XML"));
   document.getRoot().replaceKey("/Metadata", metadata);

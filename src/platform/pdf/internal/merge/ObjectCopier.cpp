@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "platform/pdf/internal/merge/ValueText.h"
+
 namespace pdf {
 namespace {
 
@@ -13,13 +15,6 @@ constexpr char leftOut[] = "null";
 bool isPageTree(const Value& value) {
   const Value& type = value["/Type"];
   return type.isName("/Page") || type.isName("/Pages") || type.isName("/Catalog");
-}
-
-/// Keeps words apart that would be read as one; a name can be empty, only its slash.
-void appendWord(std::string& text, std::string_view word) {
-  const bool joins = !text.empty() && (isRegular(text.back()) || text.back() == '/');
-  if (joins && isRegular(word.front())) text += ' ';
-  text += word;
 }
 
 std::string renamedName(const Value& value, const Renaming::Names& names) {
