@@ -145,7 +145,8 @@ std::optional<std::string> ObjectCopier::renamed(std::string_view key, const Val
   if (key == "/Dest") return renamedDestination(source_.resolved(value));
   if (key == "/StructParent" || key == "/StructParents") {
     const auto number = source_.resolved(value).integer();
-    if (!number || !renaming_.tagNumberOffset) return leftOut;
+    if (!number || *number < 0 || *number > largestTagNumber || !renaming_.tagNumberOffset)
+      return leftOut;
     return std::to_string(*number + *renaming_.tagNumberOffset);
   }
   if (dictionary.kind.isNull()) {

@@ -18,6 +18,15 @@ bool isNumeric(char byte) {
   return isDigit(byte) || byte == '+' || byte == '-' || byte == '.';
 }
 
+/// A sign can lead, and one point can stand anywhere behind it.
+bool isNumber(std::string_view word) {
+  const std::string_view unsignedWord =
+      word.substr(isDigit(word.front()) || word.front() == '.' ? 0 : 1);
+  return std::all_of(unsignedWord.begin(), unsignedWord.end(),
+                     [](char byte) { return isDigit(byte) || byte == '.'; }) &&
+         std::count(unsignedWord.begin(), unsignedWord.end(), '.') <= 1;
+}
+
 template <class Type>
 Type* allocate(Arena& arena, size_t count) {
   return static_cast<Type*>(arena.allocate(count * sizeof(Type), alignof(Type)));
@@ -88,10 +97,11 @@ Value ValueParser::spelled(Value::Kind kind, size_t begin) const {
 
 Value ValueParser::name() {
   const size_t begin = position_++;
-  while (position_ < bytes_.size() && isRegular(bytes_[position_]))
-    ++position_;
+  bool isPlain = true;
+  for (; position_ < bytes_.size() && isRegular(bytes_[position_]); ++position_)
+    isPlain = isPlain && isPlainInName(bytes_[position_]);
   Value value = spelled(Value::Kind::Name, begin);
-  if (value.text.find('#') == std::string_view::npos) return value;
+  if (isPlain) return value;
   const std::string text = nameText(value.bytes());
   char* kept = allocate<char>(arena_, text.size());
   value.text = {std::copy(text.begin(), text.end(), kept) - text.size(), text.size()};
@@ -127,13 +137,11 @@ Value ValueParser::hexString() {
 
 Value ValueParser::numberOrReference() {
   const size_t begin = position_;
-  bool isInteger = true;
-  for (; position_ < bytes_.size() && isRegular(bytes_[position_]); ++position_) {
-    if (isDigit(bytes_[position_])) continue;
-    isInteger = false;
-    if (!isNumeric(bytes_[position_])) throw UnsoundFile("a number is none");
-  }
+  while (position_ < bytes_.size() && isRegular(bytes_[position_]))
+    ++position_;
   Value value = spelled(Value::Kind::Number, begin);
+  if (!isNumber(value.text)) throw UnsoundFile("a number is none");
+  const bool isInteger = std::all_of(value.text.begin(), value.text.end(), isDigit);
   if (!isInteger || !takeReferenceEnd()) return value;
   value.kind = Value::Kind::Reference;
   const char* end = value.text.data() + value.text.size();
