@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <charconv>
 #include <memory>
+#include <set>
 
 namespace pdf {
 namespace {
@@ -25,6 +26,24 @@ bool isNumber(std::string_view word) {
   return std::all_of(unsignedWord.begin(), unsignedWord.end(),
                      [](char byte) { return isDigit(byte) || byte == '.'; }) &&
          std::count(unsignedWord.begin(), unsignedWord.end(), '.') <= 1;
+}
+
+/// Sorts where comparing each key with each would take long.
+bool hasKeyTwice(std::span<const Value> entries) {
+  constexpr size_t few = 32;
+  if (entries.size() > few) {
+    std::set<std::string_view> keys;
+    for (size_t index = 0; index < entries.size(); index += 2) {
+      if (!keys.insert(entries[index].text).second) return true;
+    }
+    return false;
+  }
+  for (size_t index = 2; index < entries.size(); index += 2) {
+    for (size_t earlier = 0; earlier < index; earlier += 2) {
+      if (entries[earlier].text == entries[index].text) return true;
+    }
+  }
+  return false;
 }
 
 template <class Type>
@@ -196,7 +215,9 @@ Value ValueParser::dictionary(int depth) {
   }
   if (bytes_.substr(position_, 2) != ">>") throw UnsoundFile("a dictionary does not end");
   position_ += 2;
-  return compound(Value::Kind::Dictionary, base);
+  const Value value = compound(Value::Kind::Dictionary, base);
+  if (hasKeyTwice(value.items())) throw UnsoundFile("a dictionary has a key twice");
+  return value;
 }
 
 Value ValueParser::keyword() {
