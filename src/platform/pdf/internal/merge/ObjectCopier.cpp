@@ -107,6 +107,8 @@ void ObjectCopier::appendEntries(std::string& text, const Value& dictionary,
     const std::string_view key = dictionary.items()[index].text;
     const Value& value = dictionary.items()[index + 1];
     if (std::find(except.begin(), except.end(), key) != except.end()) continue;
+    // An entry that is null is none (ISO 32000-1, 7.3.7).
+    if (source_.resolved(value).isNull()) continue;
     text += key;
     const auto other = renamed(key, value, described);
     other ? appendWord(text, *other) : append(text, value);
