@@ -37,7 +37,7 @@ measure() {
   name=$1 output=$2
   shift 2
   best=
-  for round in 1 2 3; do
+  for round in 1 2 3 4 5; do
     rm -f "$output"
     start=$(date +%s%N)
     "$@"

@@ -65,6 +65,8 @@ TEST(MergeInput, EveryKindOfFileIsJoinedAlike) {
       changed("/Type /Annot ", "/T#79pe /Annot/ 1"),
       changed("(here) [4", "(h\\145r\\\ne)[4"),
       changed("/Dest (here)", "/Dest <68657265>"),
+      changed("/Dest (here)", "/Dest (there) /Dest (here)"),
+      changed("[0 0 9 9] /Dest", "[0 0 9 9] /Border [0 0 1-1] /Dest"),
       changed("startxref\n", "startxref\n1"),
   };
   for (const QString& file : files) {

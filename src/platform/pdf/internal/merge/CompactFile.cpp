@@ -17,7 +17,7 @@ namespace {
 /// More pack better, but a reader unpacks a whole object stream for one object.
 constexpr int objectsPerStream = 500;
 
-/// Object streams came with it. As long as any other that a document can ask for.
+/// Object streams came with it. A later one, of the same length, is put in its place at the end.
 constexpr std::string_view leastVersion = "1.5";
 
 constexpr qint64 versionPosition = 5;

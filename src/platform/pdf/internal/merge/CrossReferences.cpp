@@ -170,7 +170,7 @@ class Reader {
   void noteRows(const std::string& rows, const Fields& fields, long long first, long long count,
                 size_t& row) {
     const size_t size = fields.rowSize();
-    if (first < 0 || count < 0 || size == 0 ||
+    if (first < 0 || first > largestObjectNumber || count < 0 || size == 0 ||
         static_cast<unsigned long long>(count) > rows.size() / size - row)
       throw UnsoundFile("a cross-reference stream is cut off");
     for (long long index = 0; index < count; ++index, ++row)

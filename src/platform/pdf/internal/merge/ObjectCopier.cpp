@@ -102,6 +102,8 @@ void ObjectCopier::appendEntries(std::string& text, const Value& dictionary,
     const std::string_view key = dictionary.items()[index].text;
     const Value& value = dictionary.items()[index + 1];
     if (std::find(except.begin(), except.end(), key) != except.end()) continue;
+    // An entry that is null is none (ISO 32000-1, 7.3.7).
+    if (source_.resolved(value).isNull()) continue;
     text += key;
     const auto other = renamed(key, value, described);
     other ? appendWord(text, *other) : append(text, value);
@@ -140,7 +142,8 @@ std::optional<std::string> ObjectCopier::renamed(std::string_view key, const Val
   if (key == "/Dest") return renamedDestination(source_.resolved(value));
   if (key == "/StructParent" || key == "/StructParents") {
     const auto number = source_.resolved(value).integer();
-    if (!number || !renaming_.tagNumberOffset) return leftOut;
+    if (!number || *number < 0 || *number > largestTagNumber || !renaming_.tagNumberOffset)
+      return leftOut;
     return std::to_string(*number + *renaming_.tagNumberOffset);
   }
   if (dictionary.kind.isNull()) {

@@ -6,6 +6,9 @@
 
 namespace pdf {
 
+/// Numbers of tagged content above are taken for damage.
+inline constexpr long long largestTagNumber = 1 << 30;
+
 /// What one document's names, numbers and identifiers become in the joined document.
 struct Renaming {
   using Names = std::unordered_map<std::string, std::string>;

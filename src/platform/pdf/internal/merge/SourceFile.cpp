@@ -13,8 +13,8 @@ namespace {
 /// Mapping costs no memory but needs trust in the file's length.
 constexpr qint64 largestInMemory = 64 << 20;
 
-/// Of an object stream's contents.
-constexpr size_t largestUnpacked = 64 << 20;
+/// Of a document's object streams together, so that a small file cannot take all memory.
+constexpr size_t largestUnpacked = 256 << 20;
 
 }  // namespace
 
@@ -84,9 +84,11 @@ void SourceFile::unpack(int container, const CrossReferences& references) {
   const Value& entries = object(container);
   const auto count = entries["/N"].integer(), first = entries["/First"].integer();
   if (!bytes || !entries["/Filter"].isName("/FlateDecode") || !entries["/DecodeParms"].isNull() ||
-      !count || !first || *first < 0)
+      !count || !first || *first < 0 || *first > static_cast<long long>(largestUnpacked))
     throw UnsoundFile("an object stream is of a strange kind");
-  const std::string& text = unpacked_.emplace_back(inflated(*bytes, largestUnpacked));
+  const std::string& text =
+      unpacked_.emplace_back(inflated(*bytes, largestUnpacked - unpackedSize_));
+  unpackedSize_ += text.size();
   ValueParser index(text, 0, arena_);
   for (long long object = 0; object < *count; ++object) {
     const auto number = static_cast<size_t>(index.objectNumber());

@@ -69,6 +69,7 @@ class SourceFile {
   std::string_view bytes_;
   Arena arena_;
   std::vector<std::string> unpacked_;  ///< contents of object streams
+  size_t unpackedSize_ = 0;
   std::vector<Object> objects_;
   Value trailer_;
   std::vector<SourcePage> pages_;

@@ -1,11 +1,9 @@
 #include "platform/pdf/internal/merge/Tags.h"
 
-#include <limits>
+#include <algorithm>
 
 namespace pdf {
 namespace {
-
-constexpr long long largestNumber = std::numeric_limits<int>::max() / 2;
 
 enum class SameMeaning { Shared, Renamed };
 
@@ -35,7 +33,8 @@ void copyRenamed(const NameTree& entries, const Renaming::Names& names, ObjectCo
 }
 
 long long nextNumber(const Value& stated, const NumberTree& content) {
-  const long long used = content.empty() ? 0 : content.rbegin()->first + 1;
+  const long long used =
+      content.empty() ? 0 : std::min(content.rbegin()->first, largestTagNumber) + 1;
   return std::max(used, stated.integer().value_or(0));
 }
 
@@ -58,9 +57,9 @@ DocumentTags::DocumentTags(const SourceFile& source, const Tags& joined, int roo
   prepareElements(source, own["/K"], copier);
   content_ = readNumberTree(source, own["/ParentTree"]);
   nextNumber_ = nextNumber(source.resolved(own["/ParentTreeNextKey"]), content_);
-  const bool numbersFit = nextNumber_ >= 0 && nextNumber_ < largestNumber &&
+  const bool numbersFit = nextNumber_ >= 0 && nextNumber_ < largestTagNumber &&
                           (content_.empty() || content_.begin()->first >= 0);
-  usable_ = !elements_.empty() && numbersFit && joined.nextNumber < largestNumber;
+  usable_ = !elements_.empty() && numbersFit && joined.nextNumber < largestTagNumber;
   if (!usable_) return;
   identifiers_ = readNameTree(source, own["/IDTree"]);
   roles_ = readDictionary(source.resolved(own["/RoleMap"]));

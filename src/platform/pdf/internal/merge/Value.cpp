@@ -122,6 +122,10 @@ bool isRegular(char byte) {
   return byteKinds[static_cast<unsigned char>(byte)] == ByteKind::Regular;
 }
 
+bool isPlainInName(char byte) {
+  return byte > ' ' && byte <= '~' && byte != '#' && isRegular(byte);
+}
+
 const Value& Value::operator[](std::string_view key) const {
   static const Value none;
   if (!isDictionary()) return none;
@@ -161,7 +165,7 @@ std::string stringText(std::string_view bytes) {
 std::string nameText(std::string_view bytes) {
   std::string text = "/";
   for (const char byte : bytes) {
-    if (byte > ' ' && byte <= '~' && isRegular(byte) && byte != '#') {
+    if (isPlainInName(byte)) {
       text += byte;
       continue;
     }

@@ -70,5 +70,7 @@ std::string referenceText(int object);
 bool isSpace(char byte);
 /// Whether a byte belongs to the word before it (ISO 32000-1, 7.2.2).
 bool isRegular(char byte);
+/// Whether a byte stands for itself in a name (ISO 32000-1, 7.3.5).
+bool isPlainInName(char byte);
 
 }  // namespace pdf

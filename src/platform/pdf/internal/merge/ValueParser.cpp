@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <charconv>
 #include <memory>
+#include <set>
 
 namespace pdf {
 namespace {
@@ -16,6 +17,33 @@ bool isDigit(char byte) {
 
 bool isNumeric(char byte) {
   return isDigit(byte) || byte == '+' || byte == '-' || byte == '.';
+}
+
+/// A sign can lead, and one point can stand anywhere behind it.
+bool isNumber(std::string_view word) {
+  const std::string_view unsignedWord =
+      word.substr(isDigit(word.front()) || word.front() == '.' ? 0 : 1);
+  return std::all_of(unsignedWord.begin(), unsignedWord.end(),
+                     [](char byte) { return isDigit(byte) || byte == '.'; }) &&
+         std::count(unsignedWord.begin(), unsignedWord.end(), '.') <= 1;
+}
+
+/// Sorts where comparing each key with each would take long.
+bool hasKeyTwice(std::span<const Value> entries) {
+  constexpr size_t few = 32;
+  if (entries.size() > few) {
+    std::set<std::string_view> keys;
+    for (size_t index = 0; index < entries.size(); index += 2) {
+      if (!keys.insert(entries[index].text).second) return true;
+    }
+    return false;
+  }
+  for (size_t index = 2; index < entries.size(); index += 2) {
+    for (size_t earlier = 0; earlier < index; earlier += 2) {
+      if (entries[earlier].text == entries[index].text) return true;
+    }
+  }
+  return false;
 }
 
 template <class Type>
@@ -88,10 +116,11 @@ Value ValueParser::spelled(Value::Kind kind, size_t begin) const {
 
 Value ValueParser::name() {
   const size_t begin = position_++;
-  while (position_ < bytes_.size() && isRegular(bytes_[position_]))
-    ++position_;
+  bool isPlain = true;
+  for (; position_ < bytes_.size() && isRegular(bytes_[position_]); ++position_)
+    isPlain = isPlain && isPlainInName(bytes_[position_]);
   Value value = spelled(Value::Kind::Name, begin);
-  if (value.text.find('#') == std::string_view::npos) return value;
+  if (isPlain) return value;
   const std::string text = nameText(value.bytes());
   char* kept = allocate<char>(arena_, text.size());
   value.text = {std::copy(text.begin(), text.end(), kept) - text.size(), text.size()};
@@ -127,13 +156,11 @@ Value ValueParser::hexString() {
 
 Value ValueParser::numberOrReference() {
   const size_t begin = position_;
-  bool isInteger = true;
-  for (; position_ < bytes_.size() && isRegular(bytes_[position_]); ++position_) {
-    if (isDigit(bytes_[position_])) continue;
-    isInteger = false;
-    if (!isNumeric(bytes_[position_])) throw UnsoundFile("a number is none");
-  }
+  while (position_ < bytes_.size() && isRegular(bytes_[position_]))
+    ++position_;
   Value value = spelled(Value::Kind::Number, begin);
+  if (!isNumber(value.text)) throw UnsoundFile("a number is none");
+  const bool isInteger = std::all_of(value.text.begin(), value.text.end(), isDigit);
   if (!isInteger || !takeReferenceEnd()) return value;
   value.kind = Value::Kind::Reference;
   const char* end = value.text.data() + value.text.size();
@@ -188,7 +215,9 @@ Value ValueParser::dictionary(int depth) {
   }
   if (bytes_.substr(position_, 2) != ">>") throw UnsoundFile("a dictionary does not end");
   position_ += 2;
-  return compound(Value::Kind::Dictionary, base);
+  const Value value = compound(Value::Kind::Dictionary, base);
+  if (hasKeyTwice(value.items())) throw UnsoundFile("a dictionary has a key twice");
+  return value;
 }
 
 Value ValueParser::keyword() {
