@@ -138,8 +138,11 @@ void LiveView::start() {
   applySize();
 }
 
+/// Pictures that run already are ended first: the browser would refuse to begin anew, and a page at
+/// rest would show nothing of its new size.
 void LiveView::startScreencast() {
   lastPicture_.clear();
+  page_->send(u"Page.stopScreencast"_s);
   page_->send(u"Page.startScreencast"_s,
               {{u"format"_s, u"jpeg"_s}, {u"quality"_s, pictureQuality}});
 }

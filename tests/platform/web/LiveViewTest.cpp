@@ -116,6 +116,28 @@ TEST_F(LiveViewTest, PicturesFollowThePageItsSizeAndItsZoom) {
   EXPECT_TRUE(pictureShows({240, 240}, Qt::red));
 }
 
+TEST_F(LiveViewTest, PicturesFollowZoomOnDenseScreens) {
+  view->setSize(QSizeF(800, 595), 2);
+  view->start();
+  show(
+      "<body style='background:#0000ff'><div "
+      "style='left:100px;top:100px;width:50px;height:50px;background:#ff0000'>");
+  for (const double zoom : {1.0, 1.1, 1.25, 1.5, 1.75, 1.0}) {
+    view->setZoom(zoom);
+    EXPECT_TRUE(support::waitFor([&] {
+      const double width = watcher->picture.width();
+      if (std::abs(width - 1600) > 2) return false;
+      const auto red = [&](double place) {
+        const double scale = width / 800 * zoom;
+        return watcher->picture.pixelColor(int(place * scale), int(125 * scale)).red() > 128;
+      };
+      return !red(97) && red(103) && red(147) && !red(153);
+    })) << zoom;
+    // Only a page that has come to rest tells whether a new size alone makes a picture.
+    support::waitFor([] { return false; }, std::chrono::milliseconds(300));
+  }
+}
+
 TEST_F(LiveViewTest, InputReachesWhatItPointsAt) {
   show(
       "<input id=field style='left:50px;top:50px;width:200px;height:20px'>"
