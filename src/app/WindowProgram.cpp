@@ -65,6 +65,8 @@ WindowProgram::WindowProgram()
       delegate_(CVAppDelegate::create(delegateServices())) {}
 
 WindowProgram::~WindowProgram() {
+  // What comes from now on is for the next start of the program.
+  service_.reset();
   printing::PrintPanel::setShared(nullptr);
   // Without it no waiting page begins when the running ones fail with their engine.
   CVObjectRepository::singleton().addObject(nullptr, u"entryTaskManager"_s);

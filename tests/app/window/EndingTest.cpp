@@ -8,10 +8,8 @@
 #include "Session.h"
 #include "intake/Requests.h"
 #include "platform/web/HttpServer.h"
-#include "support/Wait.h"
 
 using namespace Qt::StringLiterals;
-using support::waitFor;
 
 namespace {
 
@@ -47,16 +45,16 @@ class Ending : public testing::Test {
   bool hasRow(const QString& state) { return !session_.corvalis().rows().filter(state).isEmpty(); }
 
   void awaitRow(const QString& state) {
-    EXPECT_TRUE(waitFor([&] { return hasRow(state); }))
+    EXPECT_TRUE(inTime([&] { return hasRow(state); }))
         << session_.corvalis().rows().join(u'\n').toStdString();
   }
 
   /// With it, all that it has started.
   void expectEnd(QProcess& program, const ProcessTree& processes) {
-    EXPECT_TRUE(waitFor([&] { return program.state() == QProcess::NotRunning; }));
+    EXPECT_TRUE(inTime([&] { return program.state() == QProcess::NotRunning; }));
     EXPECT_EQ(program.exitStatus(), QProcess::NormalExit);
     EXPECT_EQ(program.exitCode(), 0);
-    EXPECT_TRUE(waitFor([&] { return processes.hasEnded(); }));
+    EXPECT_TRUE(inTime([&] { return processes.hasEnded(); }));
     EXPECT_EQ(session_.leftovers(), QStringList());
     EXPECT_EQ(session_.workFiles(), QStringList());
   }
@@ -97,7 +95,7 @@ TEST_F(Ending, KilledProgramTakesItsEngineAlong) {
   QProcess& program = startWorking();
   const ProcessTree processes(program.processId());
   program.kill();
-  EXPECT_TRUE(waitFor([&] { return processes.hasEnded(); }));
+  EXPECT_TRUE(inTime([&] { return processes.hasEnded(); }));
   expectWholeFilesOnly();
 }
 

@@ -9,10 +9,8 @@
 #include "platform/pdf/DocumentFacts.h"
 #include "platform/web/HttpServer.h"
 #include "settings/CVDefaultPreferences.h"
-#include "support/Wait.h"
 
 using namespace Qt::StringLiterals;
-using support::waitFor;
 using ::testing::Contains;
 using ::testing::Each;
 using ::testing::ElementsAre;
@@ -43,7 +41,7 @@ bool rowsAre(const AccessibleProgram& corvalis, qsizetype count, const QString& 
 class Intake : public testing::Test {
  protected:
   void expectRows(qsizetype count, const QString& state) {
-    EXPECT_TRUE(waitFor([&] { return rowsAre(session.corvalis(), count, state); }))
+    EXPECT_TRUE(inTime([&] { return rowsAre(session.corvalis(), count, state); }))
         << session.corvalis().rows().join(u'\n').toStdString();
   }
 
@@ -69,7 +67,7 @@ class Intake : public testing::Test {
   }
 
   static void expectSaid(QProcess& source, const QByteArray& word) {
-    EXPECT_TRUE(waitFor([&] { return source.canReadLine(); })) << "no word: " << word.constData();
+    EXPECT_TRUE(inTime([&] { return source.canReadLine(); })) << "no word: " << word.constData();
     EXPECT_EQ(source.readLine().trimmed(), word);
   }
 
@@ -90,7 +88,7 @@ TEST_F(Intake, RequestsOverTheBusBecomeFilesNotificationsAndDoneRows) {
                                            u"Request 3.png"_s, u"Request 4.png"_s));
   for (const QString& file : session.files())
     EXPECT_EQ(QImage(session.downloads() + u'/' + file).width(), 1024) << file.toStdString();
-  EXPECT_TRUE(waitFor([&] {
+  EXPECT_TRUE(inTime([&] {
     return session.notifications().contains(
         u"Snapshot captured: Snapshot captured for Request 4"_s);
   }));
@@ -106,7 +104,7 @@ TEST_F(Intake, FinishedPagesLeaveTheQueueWhenTheUserWantsIt) {
   });
   session.startCorvalis();
   session.sendRequest(capturedPage(u"Brief"_s));
-  EXPECT_TRUE(waitFor([&] { return session.files().contains(u"Brief.png"_s); }));
+  EXPECT_TRUE(inTime([&] { return session.files().contains(u"Brief.png"_s); }));
   expectRows(0, {});
 }
 
@@ -156,7 +154,7 @@ TEST_F(Intake, DroppedDocumentsAreJoined) {
               0);
   }
   drag(session.startOtherProgram(QStringList{u"drag-files"_s} + documents));
-  EXPECT_TRUE(waitFor([&] { return session.corvalis().press(u"push button"_s, u"Save"_s); }));
-  EXPECT_TRUE(waitFor([&] { return session.files() == QStringList{u"Multipage.pdf"_s}; }));
+  EXPECT_TRUE(inTime([&] { return session.corvalis().press(u"push button"_s, u"Save"_s); }));
+  EXPECT_TRUE(inTime([&] { return session.files() == QStringList{u"Multipage.pdf"_s}; }));
   EXPECT_EQ(session.corvalis().rows(), QStringList());
 }

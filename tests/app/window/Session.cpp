@@ -4,6 +4,7 @@
 #include <signal.h>
 #include <sys/prctl.h>
 
+#include <QCoreApplication>
 #include <QDBusConnectionInterface>
 #include <QDBusMessage>
 #include <QDir>
@@ -17,7 +18,6 @@
 #include "support/Wait.h"
 
 using namespace Qt::StringLiterals;
-using support::waitFor;
 
 namespace {
 
@@ -84,14 +84,18 @@ QProcess& Session::start(const QString& program, const QStringList& arguments) {
 }
 
 QString Session::firstLine(QProcess& process) {
-  EXPECT_TRUE(waitFor([&process] { return process.canReadLine(); }))
+  EXPECT_TRUE(inTime([&process] { return process.canReadLine(); }))
       << qPrintable(process.program());
   return QString::fromUtf8(process.readLine()).trimmed();
 }
 
+/// A number of its own: servers that look for a free one take each other's socket away when one
+/// ends while another starts.
 void Session::startDisplay() {
-  QProcess& server = start(u"Xvfb"_s, {u"-displayfd"_s, u"1"_s, u"-screen"_s, u"0"_s,
-                                       u"1280x1600x24"_s, u"-nolisten"_s, u"tcp"_s});
+  static int count = 0;
+  const qint64 number = 100 + QCoreApplication::applicationPid() % 5000 * 10 + count++ % 10;
+  QProcess& server = start(u"Xvfb"_s, {u":%1"_s.arg(number), u"-displayfd"_s, u"1"_s, u"-screen"_s,
+                                       u"0"_s, u"1280x1600x24"_s, u"-nolisten"_s, u"tcp"_s});
   environment_.insert(u"DISPLAY"_s, u':' + firstLine(server));
 }
 
@@ -127,7 +131,7 @@ void Session::saveSettings(const std::function<void(CVDefaultPreferences&)>& cha
 QProcess& Session::startCorvalis(const QStringList& arguments) {
   QProcess& program = start(QStringLiteral(CORVALIS_PROGRAM), arguments);
   bool usable = false;
-  waitFor([&] {
+  inTime([&] {
     usable = corvalis_->has(u"push button"_s, u"Add"_s);
     return usable || program.state() == QProcess::NotRunning;
   });
@@ -146,7 +150,7 @@ int Session::run(const QString& program, const QStringList& arguments, const QBy
   QProcess& process = start(program, arguments);
   process.write(input);
   process.closeWriteChannel();
-  const bool ended = waitFor([&] { return process.state() == QProcess::NotRunning; });
+  const bool ended = inTime([&] { return process.state() == QProcess::NotRunning; });
   return ended && process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
 }
 

@@ -8,9 +8,16 @@
 #include <memory>
 #include <vector>
 
+#include "support/Wait.h"
+
 class AccessibleProgram;
 class BusFake;
 class CVDefaultPreferences;
+
+/// `support::waitFor` with a limit for a dozen processes on a busy machine.
+inline bool inTime(const std::function<bool()>& condition) {
+  return support::waitFor(condition, std::chrono::minutes(2));
+}
 
 /// A desktop session of the test's own: an X server, a session bus with a notification service that
 /// keeps what it is told, and a home folder. Whatever runs in it ends with it.

@@ -4,10 +4,8 @@
 #include "AccessibleProgram.h"
 #include "Session.h"
 #include "intake/Requests.h"
-#include "support/Wait.h"
 
 using namespace Qt::StringLiterals;
-using support::waitFor;
 using ::testing::ElementsAre;
 
 namespace {
@@ -15,8 +13,7 @@ namespace {
 const QString corvalis = QStringLiteral(CORVALIS_PROGRAM);
 
 QByteArray request(const QString& title, qsizetype size) {
-  const QString page =
-      u"<html><head><title>%1</title></head><body><p hidden>%2</p>%1</body></html>"_s;
+  const QString page = u"<html><head><title>%1</title></head><body><!--%2-->%1</body></html>"_s;
   return requests::fullRequest(u"corvxurl://127.0.0.1/page"_s, page.arg(title, QString(size, u'x')),
                                u""_s, u""_s)
       .toUtf8();
@@ -37,16 +34,16 @@ TEST(StartOnDemand, RequestsStartOneProgramThatTakesThemAll) {
     senders.last()->closeWriteChannel();
   }
   for (QProcess* sender : senders) {
-    EXPECT_TRUE(waitFor([&] { return sender->state() == QProcess::NotRunning; }));
+    EXPECT_TRUE(inTime([&] { return sender->state() == QProcess::NotRunning; }));
     EXPECT_EQ(sender->exitCode(), 0);
   }
   const auto doneRows = [&] { return session.corvalis().rows().filter(u"Done..."_s).size(); };
-  EXPECT_TRUE(waitFor([&] { return doneRows() == 3; }))
+  EXPECT_TRUE(inTime([&] { return doneRows() == 3; }))
       << session.corvalis().rows().join(u'\n').toStdString();
   EXPECT_THAT(session.files(), ElementsAre(u"Large.png"_s, u"Small.png"_s, u"Tiny.png"_s));
 
   session.pressKeys({u"ctrl+q"_s});
-  EXPECT_TRUE(waitFor([&] { return !session.isOnBus(u"com.maplebrook.corvalis"_s); }));
+  EXPECT_TRUE(inTime([&] { return !session.isOnBus(u"com.maplebrook.corvalis"_s); }));
   ASSERT_EQ(session.run(corvalis, {u"integrate"_s, u"--remove"_s}), 0);
   EXPECT_FALSE(session.canBeStarted(u"com.maplebrook.corvalis"_s));
 }
