@@ -21,7 +21,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 /// One page is converted while the next ones load.
-constexpr int pagesAtOnce = 4;
+constexpr int pagesAtOnce = 6;
 
 tl::unexpected<Error> sourceError(const QString& text) {
   return failure(u"source"_s, 1, text);

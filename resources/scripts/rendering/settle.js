@@ -4,8 +4,8 @@
     '[data-bg], [class*="lazy" i]';
   let pictures = null;
   let scroll = null;
-  // Down to where the page was walked through; a page that has grown since is walked again.
-  let walkedHeight = 0;
+  // Down to where the page has been seen; one that has grown since is looked at again.
+  let seenHeight = 0;
 
   const wantPicture = (picture) => {
     if (picture.loading === 'lazy') picture.loading = 'eager';
@@ -66,7 +66,7 @@
     return {
       ...corvalisPage.settleState(),
       lazyMarks: lazy,
-      unseen: root.scrollHeight > Math.max(innerHeight, walkedHeight) + 1,
+      unseen: root.scrollHeight > Math.max(innerHeight, seenHeight) + 1,
     };
   };
 
@@ -119,8 +119,14 @@
     });
   };
 
+  // All of the page as it is now has been seen, or nothing in it waits to be.
+  corvalisPage.noteSeen = () => {
+    seenHeight = (document.scrollingElement ?? document.documentElement).scrollHeight;
+    return corvalisPage.settleState();
+  };
+
   corvalisPage.scrollEnd = () => {
-    walkedHeight = (document.scrollingElement ?? document.documentElement).scrollHeight;
+    corvalisPage.noteSeen();
     corvalisPage.jumpTo(0, 0);
     collectPictures();
     return true;

@@ -1,9 +1,7 @@
 #pragma once
 
 #include <QByteArray>
-#include <memory>
-
-struct libdeflate_compressor;
+#include <vector>
 
 namespace imaging {
 
@@ -17,11 +15,8 @@ class DeflateBlocks {
   QByteArray pack(const QByteArray& bytes);
 
  private:
-  struct Free {
-    void operator()(libdeflate_compressor* compressor) const;
-  };
-
-  std::unique_ptr<libdeflate_compressor, Free> compressor_;
+  /// What the packer remembers of the bytes it has seen.
+  std::vector<unsigned char> memory_;
 };
 
 }  // namespace imaging

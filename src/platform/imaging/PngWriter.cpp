@@ -1,6 +1,6 @@
 #include "platform/imaging/PngWriter.h"
 
-#include <libdeflate.h>
+#include <isa-l/igzip_lib.h>
 #include <zlib.h>
 
 #include <algorithm>
@@ -96,7 +96,8 @@ MaybeError PngWriter::endStrip() {
   if (packed.isEmpty()) return noMemoryForRows();
   const qsizetype size = filtered_.size();
   const quint32 rows = quint32(size / qsizetype(filter_.filteredSize()));
-  const quint32 adler = libdeflate_adler32(1, filtered_.constData(), size_t(size));
+  const quint32 adler =
+      isal_adler32(1, reinterpret_cast<const uchar*>(filtered_.constData()), quint64(size));
   adler_ = quint32(adler32_combine(adler_, adler, size));
   strips_.push_back({rows, adler});
   filtered_.resize(0);

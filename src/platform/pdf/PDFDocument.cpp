@@ -24,10 +24,11 @@ PDFDocument::PDFDocument(std::shared_ptr<Contents> contents) : contents_(std::mo
 PDFDocument::~PDFDocument() = default;
 
 Result<std::shared_ptr<PDFDocument>> PDFDocument::open(const QString& path) {
+  const FileIdentity file(path);
   auto opened = openQpdf(path);
   if (!opened) return tl::unexpected(opened.error());
   const auto contents = std::make_shared<Contents>(std::move(*opened));
-  contents->unchangedFile = path;
+  contents->unchangedFile = file;
   return std::make_shared<PDFDocument>(contents);
 }
 
@@ -56,7 +57,7 @@ MaybeError PDFDocument::insertPageFrom(const PDFDocument& document, int pageInde
   }
   if (at < 0 || at > pageCount())
     return argumentError(u"There is no place %1 for a page."_s.arg(at));
-  contents_->unchangedFile.clear();
+  contents_->unchangedFile = {};
   return catchingQpdf(PDFErrorUnreadable, u"The page cannot be taken over: "_s, [&] {
     const QPDFObjectHandle page =
         document.contents_->qpdf.getAllPages().at(static_cast<size_t>(pageIndex));
@@ -71,11 +72,11 @@ MaybeError PDFDocument::insertPageFrom(const PDFDocument& document, int pageInde
 }
 
 void PDFDocument::setDocumentAttributes(const DocumentAttributes& attributes) {
-  contents_->attributes = attributes;
-  writeInformation(contents_->qpdf, attributes);
+  contents_->newAttributes = attributes;
 }
 
 DocumentAttributes PDFDocument::documentAttributes() const {
+  contents_->putAttributesIn();
   return readInformation(contents_->qpdf);
 }
 
@@ -84,11 +85,13 @@ MaybeError PDFDocument::writeToFile(const QString& path) const {
     return Error{QString::fromUtf16(errorDomain), PDFErrorNoPages,
                  u"The document \"%1\" has no pages and is not written."_s.arg(path)};
   }
-  if (contents_->attributes && !contents_->unchangedFile.isEmpty()) {
-    const auto copy = makeDescribedCopy(contents_->unchangedFile, path, *contents_->attributes);
+  if (contents_->newAttributes && contents_->unchangedFile.isThere()) {
+    const auto copy =
+        makeDescribedCopy(contents_->unchangedFile.path(), path, *contents_->newAttributes);
     if (!copy) return copy.error();
     if (*copy == DescribedCopy::Made) return std::nullopt;
   }
+  contents_->putAttributesIn();
   return writeQpdf(contents_->qpdf, path);
 }
 

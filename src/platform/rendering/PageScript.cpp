@@ -34,36 +34,19 @@ Result<QJsonValue> valueOf(const Call& call, const QJsonObject& reply) {
       web::ScriptFailed, u"The page could not be read (%1): %2"_s.arg(call.function, reason)));
 }
 
-void run(const Call& call, int world, const QString& script);
+void run(const Call& call, const QString& script);
 
-void takeReply(const Call& call, int world, const Result<QJsonObject>& reply) {
+void takeReply(const Call& call, const Result<QJsonObject>& reply) {
   if (!reply) return call.callback(tl::unexpected(reply.error()));
   Result<QJsonValue> value = valueOf(call, *reply);
   const bool notYet = value && value->isString() && value->toString() == missing;
-  if (notYet) return run(call, world, pageScriptText() + u'\n' + call.expression);
+  if (notYet) return run(call, pageScriptText() + u'\n' + call.expression);
   call.callback(std::move(value));
 }
 
-void run(const Call& call, int world, const QString& script) {
-  const QJsonObject parameters{{"expression"_L1, script},
-                               {"contextId"_L1, world},
-                               {"returnByValue"_L1, true},
-                               {"awaitPromise"_L1, true}};
-  call.page->send(
-      u"Runtime.evaluate"_s, parameters,
-      [call, world](Result<QJsonObject> reply) { takeReply(call, world, reply); }, call.timeout);
-}
-
-/// A world of the same name is used again, so what the scripts have kept is still there.
-void enterWorld(const Call& call) {
-  const QJsonObject parameters{{"frameId"_L1, call.page->targetIdentifier()},
-                               {"worldName"_L1, u"corvalis"_s}};
-  call.page->send(u"Page.createIsolatedWorld"_s, parameters, [call](Result<QJsonObject> reply) {
-    if (!reply) return call.callback(tl::unexpected(reply.error()));
-    const int world = reply->value("executionContextId"_L1).toInt();
-    const QString guarded = u"globalThis.corvalisPage?.ready === true ? %1 : '%2'"_s;
-    run(call, world, guarded.arg(call.expression, missing));
-  });
+void run(const Call& call, const QString& script) {
+  call.page->evaluateApart(
+      script, [call](const Result<QJsonObject>& reply) { takeReply(call, reply); }, call.timeout);
 }
 
 }  // namespace
@@ -74,7 +57,9 @@ void callPageScript(const std::shared_ptr<web::Page>& page, const QString& funct
   QByteArray list = QJsonDocument(arguments).toJson(QJsonDocument::Compact);
   list = list.mid(1, list.size() - 2);
   const QString expression = u"corvalisPage.%1("_s.arg(function) + QString::fromUtf8(list) + u')';
-  enterWorld({page, function, expression, std::move(callback), timeout});
+  // The scripts stay as long as the document: they are sent with the first call.
+  const QString guarded = u"globalThis.corvalisPage?.ready === true ? %1 : '%2'"_s;
+  run({page, function, expression, std::move(callback), timeout}, guarded.arg(expression, missing));
 }
 
 }  // namespace rendering

@@ -34,7 +34,7 @@ class SettleRun : public std::enable_shared_from_this<SettleRun> {
 
   void call(const QString& function, Step next);
   void afterBegin(const QJsonObject& state);
-  void countObservers(const QJsonObject& state);
+  void countObservers();
   void beginScroll();
   void scrollStep();
   void endScroll();
@@ -80,17 +80,17 @@ void SettleRun::afterBegin(const QJsonObject& state) {
   const bool scripted = page_->configuration().scripts == web::Scripts::Enabled;
   if (!scripted || !state.value("unseen"_L1).toBool()) return check(state);
   if (state.value("lazyMarks"_L1).toBool()) return beginScroll();
-  countObservers(state);
+  countObservers();
 }
 
 /// A page without observers has nothing that waits to be seen, and is not walked through.
-void SettleRun::countObservers(const QJsonObject& state) {
-  auto ask = [self = shared_from_this(), state](Result<QJsonObject> found) {
+void SettleRun::countObservers() {
+  auto ask = [self = shared_from_this()](Result<QJsonObject> found) {
     const QString list =
         found ? found->value("objects"_L1).toObject().value("description"_L1).toString()
               : QString();
     const bool observed = !list.isEmpty() && list != u"Array(0)";
-    observed ? self->beginScroll() : self->check(state);
+    observed ? self->beginScroll() : self->call(u"noteSeen"_s, &SettleRun::check);
   };
   auto query = [self = shared_from_this(), ask](Result<QJsonObject> reply) {
     if (!reply) return self->end(reply.error());

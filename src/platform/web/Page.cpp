@@ -7,6 +7,7 @@
 #include "platform/web/ChildFrames.h"
 #include "platform/web/Connection.h"
 #include "platform/web/Evaluation.h"
+#include "platform/web/IsolatedWorld.h"
 #include "platform/web/PageLoad.h"
 #include "platform/web/PagePrompts.h"
 #include "platform/web/WebError.h"
@@ -24,6 +25,7 @@ std::shared_ptr<Page> Page::create(const PageConfiguration& configuration) {
 Page::Page(const PageConfiguration& configuration)
     : configuration_(configuration),
       session_(std::make_shared<Session>()),
+      ownWorld_(IsolatedWorld::create(session_, u"corvalis"_s)),
       childFrames_(std::make_unique<ChildFrames>(configuration.scripts,
                                                  [this](const std::shared_ptr<Session>& session) {
                                                    prompts_->observe(session);
@@ -140,6 +142,11 @@ void Page::evaluateInFrames(const QString& script, FrameValuesCallback callback,
   const auto children = childFrames_->sessions();
   sessions.insert(sessions.end(), children.begin(), children.end());
   evaluateScriptInFrames(sessions, script, std::move(callback), timeout);
+}
+
+void Page::evaluateApart(const QString& script, ReplyCallback callback,
+                         std::chrono::milliseconds timeout) {
+  ownWorld_->evaluate(target_.identifier, script, std::move(callback), timeout);
 }
 
 void Page::send(const QString& method, const QJsonObject& parameters, ReplyCallback callback,

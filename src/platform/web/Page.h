@@ -13,6 +13,7 @@
 namespace web {
 
 class ChildFrames;
+class IsolatedWorld;
 class PageLoad;
 class PagePrompts;
 
@@ -78,6 +79,12 @@ class Page : public std::enable_shared_from_this<Page> {
   void evaluateInFrames(const QString& script, FrameValuesCallback callback,
                         std::chrono::milliseconds timeout = defaultCommandTimeout);
 
+  /// Runs a script in a world of our own in the main frame, as `Runtime.evaluate` answers. Works
+  /// with scripts off. What scripts keep there is there for the next one, until the page loads
+  /// another document.
+  void evaluateApart(const QString& script, ReplyCallback callback,
+                     std::chrono::milliseconds timeout = defaultCommandTimeout);
+
   /// Any other command of the DevTools protocol, for this page.
   void send(const QString& method, const QJsonObject& parameters = {}, ReplyCallback callback = {},
             std::chrono::milliseconds timeout = defaultCommandTimeout);
@@ -112,6 +119,7 @@ class Page : public std::enable_shared_from_this<Page> {
   std::shared_ptr<Session> session_;
   PageTarget target_;
   PageObservers observers_;
+  std::shared_ptr<IsolatedWorld> ownWorld_;
   std::unique_ptr<ChildFrames> childFrames_;
   std::unique_ptr<PagePrompts> prompts_;
   std::unique_ptr<PageLoad> load_;

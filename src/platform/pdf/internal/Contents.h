@@ -8,6 +8,8 @@
 #include <vector>
 
 #include "platform/pdf/PDFDocument.h"
+#include "platform/pdf/internal/FileIdentity.h"
+#include "platform/pdf/internal/Information.h"
 
 namespace pdf {
 
@@ -18,10 +20,15 @@ struct PDFDocument::Contents {
   QPDF& qpdf;
   /// Documents whose pages were taken over: their files are read when this one is written.
   std::vector<std::shared_ptr<Contents>> origins;
-  /// The file, as long as nothing but what the document says of itself has changed, and what it
-  /// says instead.
-  QString unchangedFile;
-  std::optional<DocumentAttributes> attributes;
+  /// The file that was opened, as long as nothing but what the document says of itself has changed.
+  FileIdentity unchangedFile;
+  /// What it is to say of itself, not yet put in: qpdf reads all objects to add one.
+  std::optional<DocumentAttributes> newAttributes;
+
+  void putAttributesIn() {
+    if (newAttributes) writeInformation(qpdf, *newAttributes);
+    newAttributes.reset();
+  }
 };
 
 }  // namespace pdf
