@@ -93,8 +93,8 @@ void CVPageView::setPrintView(std::shared_ptr<printing::PrintableView> view) {
   frame_ = printView_ ? printView_->frame() : QRectF();
 }
 
-void CVPageView::setParent(std::shared_ptr<CVEntry> parent) {
-  parent_ = std::move(parent);
+void CVPageView::setParent(const std::shared_ptr<CVEntry>& parent) {
+  parent_ = parent;
 }
 
 bool CVPageView::isFlipped() const {
@@ -122,8 +122,9 @@ void CVPageView::drawPageBorderWithSize(pdf::PageCanvas& canvas, const QSizeF& p
   if (!preferences_ || !preferences_->includeHeadersAndFooters()) return;
   const Font font = preferences_->headerAndFooterFont().value_or(Font{QString(), 10});
   PageBorder border(canvas, pageSize, *preferences_, font, isFlipped());
-  const QUrl address = parent_ ? parent_->currentURL().value_or(QUrl()) : QUrl();
-  border.drawHeader(parent_ ? parent_->title().value_or(QString()) : QString());
+  const auto entry = parent();
+  const QUrl address = entry ? entry->currentURL().value_or(QUrl()) : QUrl();
+  border.drawHeader(entry ? entry->title().value_or(QString()) : QString());
   border.drawFooter(preferences_->notes().value_or(QString()), address.toString(QUrl::FullyEncoded),
                     pageNumber_ + 1);
   ++pageNumber_;

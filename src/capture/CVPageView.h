@@ -27,8 +27,8 @@ class CVPageView : public printing::PrintableView, public std::enable_shared_fro
   /// The page view takes the view's frame; without a view, an empty one.
   void setPrintView(std::shared_ptr<printing::PrintableView> view);
 
-  std::shared_ptr<CVEntry> parent() const { return parent_; }
-  void setParent(std::shared_ptr<CVEntry> parent);
+  std::shared_ptr<CVEntry> parent() const { return parent_.lock(); }
+  void setParent(const std::shared_ptr<CVEntry>& parent);
 
   QRectF frame() const override { return frame_; }
   bool isFlipped() const override;
@@ -55,5 +55,6 @@ class CVPageView : public printing::PrintableView, public std::enable_shared_fro
   std::atomic<std::uint64_t> pageNumber_ = 0;
   std::shared_ptr<CVPreferences> preferences_;
   std::shared_ptr<printing::PrintableView> printView_;
-  std::shared_ptr<CVEntry> parent_;
+  /// Weak: the entry holds its page view.
+  std::weak_ptr<CVEntry> parent_;
 };
