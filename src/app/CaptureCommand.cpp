@@ -113,6 +113,7 @@ CaptureCommand::CaptureCommand(CaptureOptions options, std::shared_ptr<web::Engi
   services_.engine = std::move(engine);
   services_.pixelsPerPoint = options_.scale;
   services_.thumbnails = Thumbnails::NotShown;
+  services_.conversions = Conversions::Ahead;
   multipageParts_.resize(static_cast<std::size_t>(options_.sources.size()));
 }
 

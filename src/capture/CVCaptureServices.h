@@ -47,6 +47,10 @@ class CVMiniBrowserWindowController {
 
 enum class Thumbnails { Made, NotShown };
 
+/// Whether a loaded page is converted at once, in the expectation that it will be asked for with
+/// the settings as they are.
+enum class Conversions { WhenAsked, Ahead };
+
 /// What a web-page entry needs of the program around it. A missing panel or browser stands for a
 /// program without windows: the conversion then goes on without asking.
 struct CVCaptureServices {
@@ -58,4 +62,5 @@ struct CVCaptureServices {
   /// Device pixels per point in pictures.
   double pixelsPerPoint = 1;
   Thumbnails thumbnails = Thumbnails::Made;
+  Conversions conversions = Conversions::WhenAsked;
 };

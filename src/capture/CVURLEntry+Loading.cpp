@@ -50,6 +50,10 @@ double CVURLEntry::layoutWidth() const {
 }
 
 void CVURLEntry::dropViews() {
+  {
+    std::lock_guard lock(resultMutex_);
+    conversionAhead_.reset();
+  }
   if (webView_) webView_->stopLoading();
   webView_.reset();
   stopObservingLoading();
@@ -131,7 +135,7 @@ void CVURLEntry::completeLoad() {
   if (services_.thumbnails == Thumbnails::Made)
     renderThumbnail();
   else
-    settleAhead();
+    workAhead();
   setWebViewRealHeight();
   setCompletionFactor(1.0);
   setState(CVEntryStateDownloaded);
@@ -142,9 +146,12 @@ void CVURLEntry::stopObservingLoading() {
   loadingObserver_.reset();
 }
 
-/// What a conversion needs of the page, done while others are converted: it finds the page at rest
-/// then. A page that is gone meanwhile has nothing to settle.
-void CVURLEntry::settleAhead() {
+/// What a conversion needs, done while others are converted. A page that is gone meanwhile has
+/// nothing to settle.
+void CVURLEntry::workAhead() {
+  const bool converts = services_.conversions == Conversions::Ahead &&
+                        !CVObjectRepository::singleton().getPreferences()->usePagination();
+  if (converts) return convertAhead();
   if (const auto engine = page()) rendering::settle(engine, {}, [](const MaybeError&) {});
 }
 
@@ -160,7 +167,7 @@ void CVURLEntry::renderThumbnail() {
             [entry, storeImage](std::shared_ptr<const imaging::Image> image) {
               storeImage(std::move(image));
               entry->setWKWebViewRealHeight();
-              entry->settleAhead();
+              entry->workAhead();
             });
       });
 }

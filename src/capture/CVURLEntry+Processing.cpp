@@ -3,6 +3,7 @@
 
 #include "capture/CVURLEntry.h"
 #include "capture/CaptureError.h"
+#include "capture/ConversionAhead.h"
 #include "capture/ResultName.h"
 #include "delivery/CVUtils.h"
 #include "platform/dispatch/Dispatch.h"
@@ -56,7 +57,6 @@ void CVURLEntry::startProcessing(Completion completion) {
   {
     std::lock_guard lock(resultMutex_);
     preferences_ = applicationSettings()->copyWithZone();
-    conversionFacts_.reset();
   }
   const bool nobodyToAsk = !services_.savePanel;
   if (applicationSettings()->processAutomatically() || nobodyToAsk) {
@@ -116,10 +116,42 @@ void CVURLEntry::executeProcessingWithPreferences(
 }
 
 QUrl CVURLEntry::convert(const std::shared_ptr<CVPreferences>& preferences, MaybeError& error) {
+  std::shared_ptr<capture::ConversionAhead> ahead;
+  {
+    std::lock_guard lock(resultMutex_);
+    ahead = std::exchange(conversionAhead_, nullptr);
+  }
+  if (!ahead) return convertNow(preferences, error);
+  // One that does not suit is waited for too: the page can be converted once at a time.
+  const capture::Conversion conversion = ahead->take();
+  if (!ahead->suits(*preferences)) {
+    QFile::remove(conversion.file.toLocalFile());
+    return convertNow(preferences, error);
+  }
+  error = conversion.error;
+  std::lock_guard lock(resultMutex_);
+  conversionFacts_ = conversion.facts;
+  return conversion.file;
+}
+
+QUrl CVURLEntry::convertNow(const std::shared_ptr<CVPreferences>& preferences, MaybeError& error) {
   if (preferences->conversionMode() == u"Vector"_s) {
     return doProcessingForTextConversionModeWithPreferences(preferences, error, false);
   }
   return doProcessingForImageConversionModeWithPreferences(preferences, error, false);
+}
+
+void CVURLEntry::convertAhead() {
+  auto ahead = capture::ConversionAhead::begin(
+      applicationSettings()->copyWithZone(),
+      [entry = self()](const std::shared_ptr<CVPreferences>& preferences) {
+        capture::Conversion conversion;
+        conversion.file = entry->convertNow(preferences, conversion.error);
+        conversion.facts = entry->conversionFacts();
+        return conversion;
+      });
+  std::lock_guard lock(resultMutex_);
+  conversionAhead_ = std::move(ahead);
 }
 
 void CVURLEntry::deliver(const QUrl& temporary, CVPreferences& preferences, MaybeError& error) {

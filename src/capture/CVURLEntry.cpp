@@ -2,6 +2,7 @@
 
 #include "capture/CVPageView.h"
 #include "capture/CVPrintImageView.h"
+#include "capture/ConversionAhead.h"
 #include "delivery/CVUtils.h"
 #include "platform/dispatch/Dispatch.h"
 #include "settings/CVObjectRepository.h"

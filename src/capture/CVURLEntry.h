@@ -17,6 +17,9 @@ class CVPageView;
 class CVPreferences;
 class CVPrintImageView;
 class CVUtils;
+namespace capture {
+class ConversionAhead;
+}
 
 /// What a finished conversion produced, for those who report it.
 struct CVConversionFacts {
@@ -110,7 +113,7 @@ class CVURLEntry : public CVEntry,
   void failLoad(const Error& error);
   void completeLoad();
   void stopObservingLoading();
-  void settleAhead();
+  void workAhead();
   void renderThumbnail();
   void renderImageFromWebView(ImageCompletion completion);
   void renderImageFromWKWebView(ImageCompletion completion);
@@ -126,6 +129,8 @@ class CVURLEntry : public CVEntry,
   void doProcessingWithPreferences(const std::shared_ptr<CVPreferences>& preferences);
   void executeProcessingWithPreferences(const std::shared_ptr<CVPreferences>& preferences);
   QUrl convert(const std::shared_ptr<CVPreferences>& preferences, MaybeError& error);
+  QUrl convertNow(const std::shared_ptr<CVPreferences>& preferences, MaybeError& error);
+  void convertAhead();
   void deliver(const QUrl& temporary, CVPreferences& preferences, MaybeError& error);
   void deliverToDisk(const QUrl& temporary, CVPreferences& preferences, MaybeError& error);
   void deliverElsewhere(const QUrl& temporary, CVPreferences& preferences, MaybeError& error);
@@ -168,5 +173,6 @@ class CVURLEntry : public CVEntry,
   bool forceJavascript_ = false;
 
   mutable std::mutex resultMutex_;
+  std::shared_ptr<capture::ConversionAhead> conversionAhead_;
   std::optional<CVConversionFacts> conversionFacts_;
 };

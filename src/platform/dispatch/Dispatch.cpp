@@ -8,6 +8,7 @@
 #include <condition_variable>
 #include <memory>
 #include <mutex>
+#include <utility>
 
 namespace dispatch {
 namespace {
@@ -62,11 +63,15 @@ struct ReleaseOnEnd {
   std::shared_ptr<Handshake> handshake;
 };
 
+/// What the work holds ends on the main thread, right after the work: the posting thread may still
+/// have a copy of the call by then, and must not be the last to let go of a page.
 bool post(Work work) {
+  const auto held = std::make_shared<Work>(std::move(work));
+  const auto call = [held] { std::exchange(*held, nullptr)(); };
   MainQueue& queue = mainQueue();
   std::lock_guard lock(queue.mutex);
   if (!queue.receiver) return false;
-  return QMetaObject::invokeMethod(queue.receiver.get(), std::move(work), Qt::QueuedConnection);
+  return QMetaObject::invokeMethod(queue.receiver.get(), call, Qt::QueuedConnection);
 }
 
 }  // namespace
