@@ -18,6 +18,7 @@
 #include "ui/look/Theme.h"
 #include "ui/popovers/Popover.h"
 #include "ui/queue/CVEntryTableController.h"
+#include "ui/window/AccessibleWindow.h"
 #include "ui/window/DragDelegate.h"
 #include "ui/window/QueueActions.h"
 #include "ui/window/SavePanel.h"
@@ -51,6 +52,7 @@ CVMainWindowController::CVMainWindowController(Services services)
       controlsTimer_(new QTimer(this)),
       heightAnimation_(new QVariantAnimation(this)),
       queueActions_(std::make_unique<QueueActions>()) {
+  ui::installAccessibleWindow();
   layout_->setupUi(this);
   layout_->busyIndicator->setAttribute(Qt::WA_StyledBackground);
   setWindowIcon(ui::applicationIcon());
