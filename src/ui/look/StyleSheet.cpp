@@ -23,6 +23,7 @@ QToolButton { border: 2px solid transparent; border-radius: 6px; padding: 2px; b
 QToolButton:hover { background: @hairline; }
 QToolButton:pressed, QToolButton:checked { background: @hairline; }
 QToolButton:focus { border-color: @accent; }
+#busyVeil { background: @shade; border-radius: 6px; }
 #busyIndicator { background: @veil; border-radius: 22px; }
 QCheckBox { spacing: 8px; }
 QCheckBox:disabled { color: @secondary; }
@@ -70,6 +71,8 @@ QString styleSheet(const Theme& theme) {
       {"@secondary"_L1, theme.secondaryText},
   };
   text.replace("@check"_L1, dark ? "check-black"_L1 : "check-white"_L1);
+  // A thumbnail is mostly white: it is dimmed as far as the window around it asks for.
+  text.replace("@shade"_L1, dark ? "rgba(27, 29, 33, 205)"_L1 : "rgba(27, 29, 33, 115)"_L1);
   text.replace("@choose"_L1, dark ? "choose-dark"_L1 : "choose-light"_L1);
   for (const auto& [name, colour] : roles)
     text.replace(name, colour.name());
