@@ -123,6 +123,8 @@ void Popover::paintEvent(QPaintEvent*) {
                               2.0 * spread, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
     }
   }
+  // What the mask leaves of the path's soft edge would be black.
+  if (!mask().isEmpty()) painter.fillRect(rect(), theme.hairline);
   painter.setPen(QPen(theme.hairline, 1));
   painter.setBrush(theme.surface);
   painter.drawPath(path);
