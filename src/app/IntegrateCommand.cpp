@@ -1,11 +1,11 @@
 #include "app/IntegrateCommand.h"
 
 #include <QCoreApplication>
-#include <QFile>
 #include <cstdio>
 
 #include "platform/browsers/HostManifests.h"
 #include "platform/desktop/DesktopIntegration.h"
+#include "ui/look/ApplicationMark.h"
 
 using namespace Qt::StringLiterals;
 
@@ -17,11 +17,14 @@ constexpr char helpText[] =
     "Usage: corvalis integrate            make Corvalis known to the desktop and the browsers\n"
     "       corvalis integrate --remove   take that back exactly\n";
 
-/// An installed program brings its icon along; a build folder has none.
-QByteArray scalableIcon() {
-  QFile icon(QCoreApplication::applicationDirPath() +
-             u"/../share/icons/hicolor/scalable/apps/com.maplebrook.corvalis.svg"_s);
-  return icon.open(QIODevice::ReadOnly) ? icon.readAll() : QByteArray();
+/// Desktops that draw no SVG want the mark in sizes of its own, in pixels.
+constexpr int iconSides[] = {16, 32, 48, 64, 128, 256};
+
+desktop::DesktopIntegrationSettings settingsFor(const QString& program) {
+  desktop::DesktopIntegrationSettings settings{program, ui::applicationMarkAsSvg(), {}};
+  for (const int side : iconSides)
+    settings.icons.insert(side, ui::applicationMarkAsPng(side));
+  return settings;
 }
 
 /// The browsers first: their part makes the folder that both keep their records in, and takes it
@@ -29,7 +32,7 @@ QByteArray scalableIcon() {
 MaybeError integrate() {
   const QString program = QCoreApplication::applicationFilePath();
   if (auto error = browsers::installHostManifests(program)) return error;
-  return desktop::integrateWithDesktop({program, scalableIcon()});
+  return desktop::integrateWithDesktop(settingsFor(program));
 }
 
 MaybeError removeIntegration() {

@@ -105,9 +105,8 @@ void WindowProgram::makeWindow() {
   services.delegate = delegate_;
   services.table = table_;
   services.sounds = sounds_;
-  services.browser = desktop::BrowserOpener::create();
   services.looks = desktop::ColorSchemePreference::create();
-  services.dropboxAccount = dropboxAccount(services.browser);
+  services.dropboxAccount = dropboxAccount(desktop::BrowserOpener::create());
   services.showMiniBrowser = [this] { showMiniBrowser(); };
   window_ = std::make_unique<CVMainWindowController>(services);
   savePanel_->setMainWindow(window_.get());

@@ -72,6 +72,24 @@ TEST(Accessibility, everyControlHasANameAndEveryIconATooltip) {
   expectNamed(*program.window->batchPopover());
 }
 
+TEST(Accessibility, theOpenPopoverIsAPartOfTheWindow) {
+  Program program;
+  auto* window = QAccessible::queryAccessibleInterface(program.window.get());
+  const int before = window->childCount();
+  program.window->onBatch();
+  ASSERT_EQ(window->childCount(), before + 1);
+  const auto* popover = window->child(before);
+  ASSERT_TRUE(popover);
+  EXPECT_EQ(popover->object(), program.window->batchPopover());
+  EXPECT_EQ(popover->role(), QAccessible::Dialog);
+  EXPECT_EQ(popover->text(QAccessible::Name), u"Commands for the queue"_s);
+  EXPECT_EQ(popover->parent(), window);
+  EXPECT_EQ(window->indexOfChild(popover), before);
+  program.window->closeBatchPopover();
+  Program::settle();
+  EXPECT_EQ(window->childCount(), before);
+}
+
 TEST(Accessibility, aRowSaysTitleAddressAndStateAndHasItsRole) {
   Program program;
   program.add(CVEntryStateDone, u"A page"_s);

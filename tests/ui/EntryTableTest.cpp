@@ -11,6 +11,7 @@
 #include "Program.h"
 #include "settings/CVDefaultPreferences.h"
 #include "support/Wait.h"
+#include "ui/look/Theme.h"
 #include "ui/queue/EntryRowView.h"
 
 using namespace Qt::StringLiterals;
@@ -248,6 +249,20 @@ TEST_F(EntryTable, theKeyboardGoesThroughTheRowsAndStaysWhenOneIsRemoved) {
   Program::settle();
   EXPECT_EQ(program.table->numberOfRowsInTableView(), 19);
   EXPECT_EQ(focusedRow(), 0);
+}
+
+TEST_F(EntryTable, theLineThatShowsWhereADraggedRowGoesIsSeenInBothThemes) {
+  addPages(2);
+  ASSERT_TRUE(support::waitFor([&] { return view->height() == 2 * 130; }));
+  view->layoutRows();
+  for (const QString& theme : {u"light"_s, u"dark"_s}) {
+    program.preferences().setTheme(theme);
+    Program::settle();
+    auto& line = test::child<QWidget>(*view, "dropLine");
+    line.setGeometry(0, 129, view->viewport()->width(), 3);
+    line.show();
+    EXPECT_EQ(view->viewport()->grab().toImage().pixelColor(20, 130), ui::Theme::current().accent);
+  }
 }
 
 TEST_F(EntryTable, takesEntriesFromManyThreadsWhileRowsCome) {

@@ -3,6 +3,7 @@
 #include <QMenuBar>
 #include <QSignalSpy>
 #include <QTest>
+#include <QTextBrowser>
 #include <QToolButton>
 
 #include "Program.h"
@@ -227,9 +228,22 @@ TEST(MainWindow, everyCommandIsInAMenuWithAKeyOfItsOwn) {
       if (!action->shortcut().isEmpty()) keys += action->shortcut().toString();
     }
   }
-  EXPECT_GE(commands, 18);
+  EXPECT_GE(commands, 16);
   EXPECT_GE(keys.size(), 15);
   EXPECT_EQ(keys.removeDuplicates(), 0);
+}
+
+TEST(MainWindow, helpIsThereWithoutANetwork) {
+  Program program;
+  program.window->onShowHelp();
+  auto& text = child<QTextBrowser>(*program.window, "helpText");
+  EXPECT_TRUE(text.isVisible());
+  EXPECT_TRUE(text.toPlainText().contains(u"Alt+Up, Alt+Down"_s)) << "the keys are not told";
+  QPointer<QWidget> help = text.window();
+  QTest::keyClick(&text, Qt::Key_Escape);
+  Program::settle();
+  EXPECT_FALSE(help);
+  EXPECT_TRUE(program.window->isVisible());
 }
 
 TEST(MainWindow, closingItEndsTheProgram) {

@@ -13,6 +13,9 @@ using namespace Qt::StringLiterals;
 namespace desktop {
 namespace {
 
+/// Milliseconds that an instance may take to end once its door is closed.
+constexpr int endingPatience = 10'000;
+
 QString lockPath(const QString& purpose) {
   return runtimeFolder() + u'/' + QString::fromUtf16(applicationIdentifier) + purpose;
 }
@@ -38,9 +41,9 @@ class RunningInstance : public ApplicationService {
     lock_.setStaleLockTime(0);
   }
 
-  /// False when another instance is running.
-  Result<bool> open() {
-    if (!lock_.tryLock(0)) {
+  /// False when another instance is still running after that many milliseconds.
+  Result<bool> open(int patience) {
+    if (!lock_.tryLock(patience)) {
       if (lock_.error() == QLockFile::LockFailedError) return false;
       return failure(QString::fromUtf16(desktopErrorDomain), DesktopErrorFile,
                      u"The program cannot write in %1."_s.arg(runtimeFolder()));
@@ -78,15 +81,20 @@ InstanceRequest openRequest(const QStringList& addresses, const QVariantMap& pla
   return {kind, addresses, platformData};
 }
 
+Result<std::unique_ptr<ApplicationService>> becomeInstance(ApplicationReceiver& receiver,
+                                                           int patience) {
+  auto instance = std::make_unique<RunningInstance>(receiver);
+  const auto opened = instance->open(patience);
+  if (!opened) return tl::unexpected<Error>(opened.error());
+  if (!*opened) return nullptr;
+  return instance;
+}
+
 }  // namespace
 
 Result<std::unique_ptr<ApplicationService>> ApplicationService::claim(
     ApplicationReceiver& receiver) {
-  auto instance = std::make_unique<RunningInstance>(receiver);
-  const auto opened = instance->open();
-  if (!opened) return tl::unexpected<Error>(opened.error());
-  if (!*opened) return nullptr;
-  return instance;
+  return becomeInstance(receiver, 0);
 }
 
 Result<HandOver> handOver(const QStringList& addresses, const QVariantMap& platformData,
@@ -108,7 +116,11 @@ Result<std::unique_ptr<ApplicationService>> claimOrHandOver(const QStringList& a
   const auto outcome = handOver(addresses, platformData);
   if (!outcome) return tl::unexpected<Error>(outcome.error());
   if (*outcome == HandOver::HandedOver) return nullptr;
-  return ApplicationService::claim(receiver);
+  // An instance that has closed its door already is about to end: its place will be free.
+  auto instance = becomeInstance(receiver, endingPatience);
+  if (!instance || *instance) return instance;
+  return failure(QString::fromUtf16(desktopErrorDomain), DesktopErrorNoAnswer,
+                 u"Another Corvalis is running, but does not answer."_s);
 }
 
 }  // namespace desktop

@@ -59,7 +59,8 @@ Result<HandOver> handOverAction(const QString& name, const QVariantMap& platform
 
 /// The start of the program in one step: hands the addresses over when an instance is running
 /// (empty pointer), else becomes the instance, and the addresses are the caller's to open. Two
-/// starts at one moment end with one instance that has both requests.
+/// starts at one moment end with one instance that has both requests; one beside an instance that
+/// is ending waits for its place.
 Result<std::unique_ptr<ApplicationService>> claimOrHandOver(const QStringList& addresses,
                                                             ApplicationReceiver& receiver,
                                                             const QVariantMap& platformData = {});

@@ -35,10 +35,15 @@ const QString entryFile = u"applications/com.maplebrook.corvalis.desktop"_s;
 const QString serviceFile = u"dbus-1/services/com.maplebrook.corvalis.service"_s;
 const QString mimeFile = u"mime/packages/com.maplebrook.corvalis.xml"_s;
 const QString iconFile = u"icons/hicolor/scalable/apps/com.maplebrook.corvalis.svg"_s;
+const QString iconName = u"com.maplebrook.corvalis.png"_s;
 const QString recordFile = u"com.maplebrook.corvalis/mimeapps-record.json"_s;
 
 QString inData(const QString& file) {
   return QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) + u'/' + file;
+}
+
+QString pictureFile(const QString& sizeFolder) {
+  return u"icons/hicolor/%1/apps/%2"_s.arg(sizeFolder, iconName);
 }
 
 QString mimeAppsPath() {
@@ -172,6 +177,22 @@ void tellSessionBus() {
     logLine(u"The session bus did not look for new services: %1"_s.arg(reply.errorMessage()));
 }
 
+MaybeError writeIcons(const DesktopIntegrationSettings& settings) {
+  for (auto icon = settings.icons.begin(); icon != settings.icons.end(); ++icon) {
+    const QString size = u"%1x%1"_s.arg(icon.key());
+    if (auto error = write(inData(pictureFile(size)), icon.value())) return error;
+  }
+  if (settings.scalableIcon.isEmpty()) return std::nullopt;
+  return write(inData(iconFile), settings.scalableIcon);
+}
+
+MaybeError removeIcons() {
+  const QDir sizes(inData(u"icons/hicolor"_s));
+  for (const QString& size : sizes.entryList(QDir::Dirs | QDir::NoDotAndDotDot))
+    if (auto error = remove(inData(pictureFile(size)))) return error;
+  return remove(inData(iconFile));
+}
+
 MaybeError writeFiles(const DesktopIntegrationSettings& settings) {
   const QByteArray entry =
       filledTemplate(u"com.maplebrook.corvalis.desktop.in"_s, execWord(settings.program));
@@ -181,8 +202,7 @@ MaybeError writeFiles(const DesktopIntegrationSettings& settings) {
   if (auto error = write(inData(serviceFile), service)) return error;
   const QByteArray mimeType = filledTemplate(u"com.maplebrook.corvalis.mime.xml"_s, {});
   if (auto error = write(inData(mimeFile), mimeType)) return error;
-  if (settings.scalableIcon.isEmpty()) return std::nullopt;
-  return write(inData(iconFile), settings.scalableIcon);
+  return writeIcons(settings);
 }
 
 }  // namespace
@@ -200,8 +220,9 @@ MaybeError integrateWithDesktop(const DesktopIntegrationSettings& settings) {
 
 MaybeError removeDesktopIntegration() {
   if (auto error = releaseSchemes()) return error;
-  for (const QString& file : {entryFile, serviceFile, mimeFile, iconFile})
+  for (const QString& file : {entryFile, serviceFile, mimeFile})
     if (auto error = remove(inData(file))) return error;
+  if (auto error = removeIcons()) return error;
   updateDatabases();
   tellSessionBus();
   return std::nullopt;

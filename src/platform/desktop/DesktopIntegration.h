@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QByteArray>
+#include <QMap>
 #include <QString>
 
 #include "platform/base/Error.h"
@@ -13,6 +14,8 @@ struct DesktopIntegrationSettings {
   QString program;
   /// The program's icon, as SVG; empty: none is installed.
   QByteArray scalableIcon;
+  /// The same as PNG, by its side in pixels.
+  QMap<int, QByteArray> icons = {};
 };
 
 /// Makes the program known to the user's desktop, for this user alone: desktop entry, session bus

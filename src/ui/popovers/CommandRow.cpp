@@ -10,12 +10,14 @@ namespace ui {
 namespace {
 
 constexpr QSize iconSize(20, 20);
+constexpr int rightMargin = 16;
 
 }  // namespace
 
 void CommandRow::setUp(const QString& glyph, const Theme& theme) const {
   icon.setPixmap(glyphIcon(glyph, theme.secondaryText).pixmap(iconSize, icon.devicePixelRatioF()));
   label.setFont(textFont(TextSize::Body));
+  label.setContentsMargins(0, 0, rightMargin, 0);
   label.setBuddy(&button);
   button.setAccessibleName(label.text());
   button.setHoverColor(theme.rowHover);

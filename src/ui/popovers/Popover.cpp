@@ -64,7 +64,10 @@ QPoint Popover::placeAt(const QRect& anchor, const QRect& screen) {
   QPoint place(anchor.center().x() - width() / 2, anchor.top() - height() + overlap);
   if (edge_ == Edge::Below) place.setY(anchor.bottom() - overlap);
   if (edge_ == Edge::Right) place = {anchor.right() - overlap, anchor.center().y() - height() / 2};
-  place.setX(qBound(screen.left(), place.x(), qMax(screen.left(), screen.right() - width())));
+  // The shadow may leave the screen: what is seen stays on it, and its arrow off its corner.
+  const int left = screen.left() - shadow - arrow;
+  const int right = screen.right() + shadow + arrow - width();
+  place.setX(qBound(left, place.x(), qMax(left, right)));
   place.setY(qBound(screen.top(), place.y(), qMax(screen.top(), screen.bottom() - height())));
   const QPoint middle = anchor.center() - place;
   if (edge_ == Edge::Above) tip_ = {middle.x(), height() - shadow};
@@ -120,6 +123,8 @@ void Popover::paintEvent(QPaintEvent*) {
                               2.0 * spread, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
     }
   }
+  // What the mask leaves of the path's soft edge would be black.
+  if (!mask().isEmpty()) painter.fillRect(rect(), theme.hairline);
   painter.setPen(QPen(theme.hairline, 1));
   painter.setBrush(theme.surface);
   painter.drawPath(path);

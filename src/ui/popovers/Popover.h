@@ -20,6 +20,8 @@ class Popover : public QWidget {
   void showRelativeTo(const QWidget& anchor, Edge preferred);
 
   /// Where the tip of the arrow is, in the popover's own coordinates.
+  /// What is seen of it, without arrow and shadow; within the window.
+  QRect body() const;
   QPoint arrowTip() const { return tip_; }
   Edge edge() const { return edge_; }
 
@@ -32,7 +34,6 @@ class Popover : public QWidget {
   void keyPressEvent(QKeyEvent* event) override;
 
  private:
-  QRect body() const;
   QPainterPath outline() const;
   QPoint placeAt(const QRect& anchor, const QRect& screen);
   void shapeWindow();

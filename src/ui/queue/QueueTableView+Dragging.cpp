@@ -3,9 +3,10 @@
 #include <QDragEnterEvent>
 #include <QMimeData>
 #include <QMouseEvent>
+#include <QPixmap>
 #include <QScrollBar>
 
-#include "ui/look/Theme.h"
+#include "ui/queue/DropLine.h"
 #include "ui/queue/QueueTableView.h"
 
 namespace ui {
@@ -14,6 +15,17 @@ namespace {
 constexpr int dropLineHeight = 3;
 /// A drag this near to the edge scrolls, points.
 constexpr int scrollingEdge = 24;
+
+/// What is dragged leaves the line that shows where it will go in sight.
+constexpr int pictureReduction = 2;
+
+QPixmap smallPictureOf(QWidget& row) {
+  const QPixmap picture = row.grab();
+  QPixmap small = picture.scaled(picture.size() / pictureReduction, Qt::IgnoreAspectRatio,
+                                 Qt::SmoothTransformation);
+  small.setDevicePixelRatio(picture.devicePixelRatio());
+  return small;
+}
 
 }  // namespace
 
@@ -50,8 +62,8 @@ void QueueTableView::startDrag(QWidget* rowWidget) {
   if (!row) return;
   auto* drag = new QDrag(this);
   drag->setMimeData(dataSource_->tableViewPasteboardWriterForRow(*row).release());
-  drag->setPixmap(rowWidget->grab());
-  drag->setHotSpot(rowWidget->mapFromGlobal(pressed_));
+  drag->setPixmap(smallPictureOf(*rowWidget));
+  drag->setHotSpot(rowWidget->mapFromGlobal(pressed_) / pictureReduction);
   drag->exec(Qt::MoveAction);
 }
 
@@ -106,9 +118,6 @@ void QueueTableView::dropEvent(QDropEvent* event) {
 void QueueTableView::showDropLine(int row) {
   dropLine_->setVisible(row >= 0);
   if (row < 0) return;
-  QPalette palette = dropLine_->palette();
-  palette.setColor(QPalette::Window, Theme::current().accent);
-  dropLine_->setPalette(palette);
   const int y = row * rowHeight() - verticalScrollBar()->value() - dropLineHeight / 2;
   const int lowest = qMax(0, viewport()->height() - dropLineHeight);
   dropLine_->setGeometry(0, qBound(0, y, lowest), viewport()->width(), dropLineHeight);

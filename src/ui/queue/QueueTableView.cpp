@@ -7,6 +7,7 @@
 #include <algorithm>
 
 #include "ui/queue/AccessibleRoles.h"
+#include "ui/queue/DropLine.h"
 
 namespace ui {
 namespace {
@@ -24,13 +25,13 @@ bool holdsFocus(const QWidget* widget) {
 QueueTableView::QueueTableView(QWidget* parent)
     : QAbstractScrollArea(parent),
       layoutTimer_(new QTimer(this)),
-      dropLine_(new QWidget(viewport())) {
+      dropLine_(new DropLine(viewport())) {
   installAccessibleRoles();
   setFrameShape(QFrame::NoFrame);
   setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
   setFocusPolicy(Qt::NoFocus);
   setAccessibleName(tr("Queue"));
-  dropLine_->setAutoFillBackground(true);
+  dropLine_->setObjectName(QStringLiteral("dropLine"));
   dropLine_->hide();
   layoutTimer_->setSingleShot(true);
   connect(layoutTimer_, &QTimer::timeout, this, &QueueTableView::layoutRows);

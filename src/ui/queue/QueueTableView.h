@@ -10,6 +10,8 @@ class QTimer;
 
 namespace ui {
 
+class DropLine;
+
 enum class DropOperation { On, Above };
 
 /// What the table shows. Main thread.
@@ -89,7 +91,7 @@ class QueueTableView : public QAbstractScrollArea {
   QueueTableDataSource* dataSource_ = nullptr;
   QString draggedType_;
   QTimer* layoutTimer_;
-  QWidget* dropLine_;
+  DropLine* dropLine_;
   /// The widgets of the rows, in the order of the rows.
   QList<QPointer<QWidget>> placed_;
   QList<QPointer<QWidget>> nextInTabOrder_;

@@ -2,19 +2,15 @@
 #include <QMenuBar>
 
 #include "intake/CVAppDelegate.h"
-#include "platform/desktop/BrowserOpener.h"
 #include "platform/dispatch/Dispatch.h"
 #include "ui/window/CVMainWindowController.h"
+#include "ui/window/HelpWindow.h"
 #include "ui/window/QueueActions.h"
 #include "ui_CVMainWindowController.h"
 
 using namespace Qt::StringLiterals;
 
 namespace {
-
-const QUrl helpPage(u"https://www.maplebrook.com/corvalis/help"_s);
-const QUrl feedbackPage(u"https://www.maplebrook.com/corvalis/feedback"_s);
-const QUrl homePage(u"https://www.maplebrook.com"_s);
 
 void capture(const std::shared_ptr<CVAppDelegate>& delegate, void (CVAppDelegate::*command)()) {
   if (!delegate) return;
@@ -95,14 +91,13 @@ void CVMainWindowController::updateMenus() {
 
 void CVMainWindowController::createHelpMenu() {
   QMenu* menu = menuBar()->addMenu(tr("&Help"));
-  const auto add = [this, menu](const QString& text, const QKeySequence& keys, const QUrl& page) {
-    menu->addAction(text, keys, this, [this, page] {
-      if (services_.browser) services_.browser->open(page);
-    });
-  };
-  add(tr("Corvalis &Help"), QKeySequence::HelpContents, helpPage);
-  add(tr("Send &Feedback"), {}, feedbackPage);
-  add(tr("&Maplebrook Home Page"), {}, homePage);
+  menu->addAction(tr("Corvalis &Help"), QKeySequence::HelpContents, this,
+                  &CVMainWindowController::onShowHelp);
+}
+
+void CVMainWindowController::onShowHelp() {
+  if (!helpWindow_) helpWindow_ = new HelpWindow(this);
+  helpWindow_->makeKeyAndOrderFront();
 }
 
 void CVMainWindowController::captureFromSafari() {

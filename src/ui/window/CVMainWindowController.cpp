@@ -2,6 +2,7 @@
 
 #include <QCloseEvent>
 #include <QFileDialog>
+#include <QFontInfo>
 #include <QTimer>
 #include <QVariantAnimation>
 #include <QWindow>
@@ -17,6 +18,7 @@
 #include "ui/look/Theme.h"
 #include "ui/popovers/Popover.h"
 #include "ui/queue/CVEntryTableController.h"
+#include "ui/window/AccessibleWindow.h"
 #include "ui/window/DragDelegate.h"
 #include "ui/window/QueueActions.h"
 #include "ui/window/SavePanel.h"
@@ -29,6 +31,9 @@ using ui::Theme;
 namespace {
 
 constexpr int usualWidth = 440;
+/// Pixels.
+constexpr int usualText = 12;
+constexpr int linesOfZone = 4;
 
 std::optional<QString> setting(std::optional<QString> (CVDefaultPreferences::*get)() const) {
   const auto preferences = CVObjectRepository::singleton().getPreferences();
@@ -47,7 +52,9 @@ CVMainWindowController::CVMainWindowController(Services services)
       controlsTimer_(new QTimer(this)),
       heightAnimation_(new QVariantAnimation(this)),
       queueActions_(std::make_unique<QueueActions>()) {
+  ui::installAccessibleWindow();
   layout_->setupUi(this);
+  layout_->busyIndicator->setAttribute(Qt::WA_StyledBackground);
   setWindowIcon(ui::applicationIcon());
   setTextFonts();
   nameControls();
@@ -62,10 +69,13 @@ CVMainWindowController::~CVMainWindowController() {
   if (services_.table) services_.table->setTableView(nullptr);
 }
 
+/// Larger text than the layout is made for gets a higher drop zone.
 void CVMainWindowController::setTextFonts() {
   layout_->dropLabel->setFont(ui::textFont(ui::TextSize::Title));
   layout_->hintLabel->setFont(ui::textFont(ui::TextSize::Secondary));
   layout_->stateLabel->setFont(ui::textFont(ui::TextSize::Body));
+  const int larger = QFontInfo(layout_->stateLabel->font()).pixelSize() - usualText;
+  layout_->dragView->setFixedHeight(layout_->dragView->minimumHeight() + linesOfZone * larger);
   layout_->warningButton->setFont(ui::textFont(ui::TextSize::Body));
 }
 
@@ -165,6 +175,7 @@ void CVMainWindowController::setBusyLook(bool busy) {
   layout_->quickActions->setVisible(!busy && layout_->quickActions->hasItems());
   layout_->busyIndicator->setVisible(busy);
   layout_->busyIndicator->setIndeterminate(busy);
+  layout_->dropLabel->setEnabled(!busy);
   layout_->dropLabel->setText(busy ? tr("Dropping is off while Corvalis works")
                                    : tr("Drop web addresses or files here"));
 }

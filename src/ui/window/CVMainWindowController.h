@@ -13,6 +13,7 @@
 
 class CVAppDelegate;
 class CVEntryTableController;
+class HelpWindow;
 class QTimer;
 class QToolButton;
 class QVariantAnimation;
@@ -20,7 +21,6 @@ namespace Ui {
 class CVMainWindowController;
 }
 namespace desktop {
-class BrowserOpener;
 class ColorSchemePreference;
 class SoundPlayer;
 }  // namespace desktop
@@ -41,7 +41,6 @@ class CVMainWindowController : public QMainWindow, public CVMainWindow {
     std::shared_ptr<CVAppDelegate> delegate;
     std::shared_ptr<CVEntryTableController> table;
     std::shared_ptr<desktop::SoundPlayer> sounds;
-    std::shared_ptr<desktop::BrowserOpener> browser;
     /// Tells whether motion is to be reduced.
     std::shared_ptr<desktop::ColorSchemePreference> looks;
     CVDropBoxPreferencesViewController::Account dropboxAccount;
@@ -76,6 +75,7 @@ class CVMainWindowController : public QMainWindow, public CVMainWindow {
                       std::function<void(std::optional<QUrl> chosen)> completion) override;
 
   void onShowPreferences();
+  void onShowHelp();
   void onAdd();
   void onBatch();
   void showWarnings();
@@ -130,6 +130,7 @@ class CVMainWindowController : public QMainWindow, public CVMainWindow {
   ui::ArrowAnimation arrow_;
   ui::BatchState batchState_;
   QPointer<CVPreferencesWindowController> preferencesWindow_;
+  QPointer<HelpWindow> helpWindow_;
   QPointer<ui::Popover> addPopover_;
   QPointer<ui::Popover> batchPopover_;
   QPointer<ui::Popover> warningPopover_;

@@ -56,7 +56,8 @@ QList<AccessibleProgram::Node> AccessibleProgram::children(const Node& node) con
   const QVariant reply = call(node, accessible, u"GetChildren"_s);
   if (!reply.canConvert<QDBusArgument>()) return nodes;
   const auto list = reply.value<QDBusArgument>();
-  for (list.beginArray(); !list.atEnd();) {
+  list.beginArray();
+  while (!list.atEnd()) {
     QString service;
     QDBusObjectPath path;
     list.beginStructure();
@@ -64,6 +65,7 @@ QList<AccessibleProgram::Node> AccessibleProgram::children(const Node& node) con
     list.endStructure();
     nodes << Node{service, path.path()};
   }
+  list.endArray();
   return nodes;
 }
 

@@ -90,12 +90,14 @@ QString Session::firstLine(QProcess& process) {
 }
 
 /// A number of its own: servers that look for a free one take each other's socket away when one
-/// ends while another starts.
+/// ends while another starts. No reset: for a moment after their last program has left they would
+/// refuse the next.
 void Session::startDisplay() {
   static int count = 0;
   const qint64 number = 100 + QCoreApplication::applicationPid() % 5000 * 10 + count++ % 10;
-  QProcess& server = start(u"Xvfb"_s, {u":%1"_s.arg(number), u"-displayfd"_s, u"1"_s, u"-screen"_s,
-                                       u"0"_s, u"1280x1600x24"_s, u"-nolisten"_s, u"tcp"_s});
+  QProcess& server =
+      start(u"Xvfb"_s, {u":%1"_s.arg(number), u"-displayfd"_s, u"1"_s, u"-screen"_s, u"0"_s,
+                        u"1280x1600x24"_s, u"-nolisten"_s, u"tcp"_s, u"-noreset"_s});
   environment_.insert(u"DISPLAY"_s, u':' + firstLine(server));
 }
 

@@ -40,7 +40,7 @@ class Integration : public ::testing::Test {
   }
 
   MaybeError integrate(const QString& program = u"/usr/bin/corvalis"_s) {
-    return desktop::integrateWithDesktop({program, "<svg/>"});
+    return desktop::integrateWithDesktop({program, "<svg/>", {{48, "picture"}}});
   }
 
   QString data_ = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation);
@@ -89,6 +89,8 @@ TEST_F(Integration, WritesWhatTheDesktopAndTheBusUnderstand) {
   const QString program = folder + u"/corvalis"_s;
   ASSERT_EQ(integrate(program), std::nullopt);
   EXPECT_EQ(read(data_ + u"/icons/hicolor/scalable/apps/com.maplebrook.corvalis.svg"_s), "<svg/>");
+  const QString picture = data_ + u"/icons/hicolor/48x48/apps/com.maplebrook.corvalis.png"_s;
+  EXPECT_EQ(read(picture), "picture");
   const QByteArray text = read(data_ + u"/applications/"_s + entry);
   EXPECT_FALSE(text.contains("@PROGRAM@"));
   EXPECT_TRUE(
@@ -98,6 +100,10 @@ TEST_F(Integration, WritesWhatTheDesktopAndTheBusUnderstand) {
   EXPECT_TRUE(service.contains("/a \"b\" $c `d` \\e '\\''f'\\'' 100%/corvalis'\n"))
       << service.constData();
   EXPECT_TRUE(integrate(u"corvalis"_s).has_value()) << "a relative path";
+
+  ASSERT_EQ(desktop::removeDesktopIntegration(), std::nullopt);
+  EXPECT_EQ(read(picture), "(none)");
+  ASSERT_EQ(integrate(program), std::nullopt);
 
   const QString validator = QStandardPaths::findExecutable(u"desktop-file-validate"_s);
   if (validator.isEmpty()) GTEST_SKIP() << "desktop-file-validate is not installed";

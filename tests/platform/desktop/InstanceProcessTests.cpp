@@ -7,6 +7,7 @@
 #include <QDBusPendingCall>
 #include <QDir>
 #include <QFile>
+#include <QLockFile>
 #include <QProcess>
 #include <QStandardPaths>
 #include <QTemporaryDir>
@@ -122,6 +123,18 @@ TEST_F(InstanceProcesses, CrashedInstanceIsSucceeded) {
   EXPECT_EQ(lines(second, 1), QStringList{u"instance"_s});
   EXPECT_EQ(lines(start({u"start"_s}), 1), QStringList{u"handed over"_s});
   EXPECT_EQ(lines(second, 1), QStringList{u"activate"_s});
+}
+
+/// Its door is closed, its right not yet given up.
+TEST_F(InstanceProcesses, RequestBesideAnEndingInstanceIsNotLost) {
+  QLockFile right(folder_.filePath(u"com.maplebrook.corvalis.lock"_s));
+  right.setStaleLockTime(0);
+  ASSERT_TRUE(right.tryLock(0));
+  QProcess& next = start({u"start"_s, u"corvxurl://host/kept"_s});
+  EXPECT_FALSE(
+      support::waitFor([&] { return next.canReadLine(); }, std::chrono::milliseconds(200)));
+  right.unlock();
+  EXPECT_EQ(lines(next, 2), (QStringList{u"instance"_s, u"open 20 corvxurl://host/kept -"_s}));
 }
 
 TEST_F(InstanceProcesses, RequestBeyondEveryBusLimitArrivesAndOneBeyondOursIsRefused) {

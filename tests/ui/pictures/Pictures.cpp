@@ -1,6 +1,6 @@
 // Takes a picture of every state of the windows: corvalis_ui_pictures <folder>. The density is that
-// of QT_SCALE_FACTOR. Windows are composed onto one ground, so that a popover is seen with its
-// window.
+// of QT_SCALE_FACTOR. With "large-text" as a second argument, those states that large text strains.
+// Windows are composed onto one ground, so that a popover is seen with its window.
 
 #include <QApplication>
 #include <QDialog>
@@ -29,6 +29,7 @@ namespace {
 
 QString folder;
 QString theme;
+QString prefix;
 
 /// Lets animations end: the longest is the window's height.
 void rest() {
@@ -98,7 +99,7 @@ void take(const QString& name) {
   }
   painter.end();
   const QString density = ratio > 1 ? u"@2x"_s : QString();
-  picture.save(folder + u"/%1-%2%3.png"_s.arg(name, theme, density));
+  picture.save(folder + u"/%1%2-%3%4.png"_s.arg(prefix, name, theme, density));
 }
 
 void takeEmpty() {
@@ -210,6 +211,22 @@ void takePreferences() {
   program.window->findChild<QDialog*>()->reject();
 }
 
+void takeHelp() {
+  Program program;
+  program.preferences().setTheme(theme);
+  program.window->hide();
+  program.window->onShowHelp();
+  take(u"help"_s);
+}
+
+/// As with a desktop whose text is half as large again.
+void takeLargeText() {
+  takeEmpty();
+  takeStates();
+  takeOutcomes();
+  takeQueue();
+}
+
 void takeRightToLeft() {
   QApplication::setLayoutDirection(Qt::RightToLeft);
   Program program;
@@ -220,26 +237,38 @@ void takeRightToLeft() {
   QApplication::setLayoutDirection(Qt::LeftToRight);
 }
 
+void takeEverything() {
+  takeEmpty();
+  takeStates();
+  takeOutcomes();
+  takeQueue();
+  takePreferences();
+  takeHelp();
+  takeRightToLeft();
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
   QTemporaryDir home;
   qputenv("HOME", home.path().toLocal8Bit());
   QApplication application(argc, argv);
-  if (argc != 2 || !QDir().mkpath(QString::fromLocal8Bit(argv[1]))) {
-    std::fprintf(stderr, "usage: corvalis_ui_pictures <folder>\n");
+  const bool large = argc == 3 && qstrcmp(argv[2], "large-text") == 0;
+  if ((argc != 2 && !large) || !QDir().mkpath(QString::fromLocal8Bit(argv[1]))) {
+    std::fprintf(stderr, "usage: corvalis_ui_pictures <folder> [large-text]\n");
     return 2;
   }
   folder = QString::fromLocal8Bit(argv[1]);
+  if (large) {
+    QFont font = QApplication::font();
+    font.setPixelSize(18);
+    QApplication::setFont(font);
+    prefix = u"large-text-"_s;
+  }
   dispatch::initialize();
   for (const QString& name : {u"light"_s, u"dark"_s}) {
     theme = name;
-    takeEmpty();
-    takeStates();
-    takeOutcomes();
-    takeQueue();
-    takePreferences();
-    takeRightToLeft();
+    large ? takeLargeText() : takeEverything();
   }
   dispatch::finish();
 }
