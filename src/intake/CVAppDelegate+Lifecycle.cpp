@@ -66,6 +66,8 @@ void CVAppDelegate::initializeObjectRepository() {
   preferences->load();
   preferences->setObserver(std::static_pointer_cast<CVAppDelegate>(shared_from_this()));
   repository.addObject(preferences, u"preferences"_s);
+  if (const MaybeError unread = services_.userDefaults->openingError())
+    addWarning(unread->localizedDescription);
   utils->deleteDownloadsDirectory();
 }
 

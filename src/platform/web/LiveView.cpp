@@ -16,6 +16,10 @@ namespace {
 constexpr int pictureQuality = 80;
 constexpr int sharpPictureQuality = 90;
 constexpr std::chrono::milliseconds restBeforeSharpPicture{120};
+/// A key that comes while the browser takes a sharp picture shows a tenth of a second late, so
+/// there is none between the keys of somebody who types.
+constexpr std::chrono::milliseconds restWhileTyping{600};
+constexpr std::chrono::seconds sharpPictureTimeout{3};
 constexpr double smallestZoom = 0.25;
 constexpr double largestZoom = 5;
 constexpr std::chrono::seconds cursorTimeout{1};
@@ -123,10 +127,16 @@ void LiveView::setZoom(double zoom) {
   applySize();
 }
 
+/// When it has taken a sharp picture the browser gives the page back the size that it had before:
+/// another size waits until then.
 void LiveView::applySize() {
+  sizeWaits_ = takingSharpPicture_;
+  if (sizeWaits_) return;
   page_->setViewport(size_.width() / zoom_, size_.height() / zoom_, devicePixelRatio_ * zoom_);
-  // The pictures' size is fixed when they start.
-  if (running_) startScreencast();
+  if (!running_) return;
+  startScreencast();
+  // A page at rest shows nothing of its new size by itself.
+  requestPictureAtRest();
 }
 
 int LiveView::viewportWidth() const {
@@ -138,11 +148,10 @@ void LiveView::start() {
   applySize();
 }
 
-/// Pictures that run already are ended first: the browser would refuse to begin anew, and a page at
-/// rest would show nothing of its new size.
+/// Where pictures run already the browser refuses, and they run on. Ended and begun anew at once,
+/// they may stop for good.
 void LiveView::startScreencast() {
   lastPicture_.clear();
-  page_->send(u"Page.stopScreencast"_s);
   page_->send(u"Page.startScreencast"_s,
               {{u"format"_s, u"jpeg"_s}, {u"quality"_s, pictureQuality}});
 }
@@ -151,9 +160,13 @@ void LiveView::stop() {
   if (std::exchange(running_, false)) page_->send(u"Page.stopScreencast"_s);
 }
 
-/// A page in a new process makes no pictures until it is asked again.
+/// A page in a new process makes no pictures until it is asked again, and a picture that was asked
+/// of the old one may never come.
 void LiveView::pageCommittedLoad(Page&, const Frame& frame) {
-  if (frame.isMain() && running_) startScreencast();
+  if (!frame.isMain()) return;
+  ++document_;
+  endSharpPicture();
+  if (running_) startScreencast();
 }
 
 /// A page may give one of its fields the focus.
@@ -171,21 +184,41 @@ void LiveView::handlePicture(const QJsonObject& event) {
     return;
   lastPicture_ = picture;
   decode(picture);
-  if (devicePixelRatio_ * zoom_ == 1) return;
-  restTimer_ = dispatch::Timer::after(restBeforeSharpPicture, [weak = weak_from_this()] {
+  if (devicePixelRatio_ * zoom_ != 1) requestPictureAtRest();
+}
+
+void LiveView::requestPictureAtRest() {
+  const bool types = lastKey_.isValid() && !lastKey_.hasExpired(restWhileTyping.count());
+  const auto rest = types ? restWhileTyping : restBeforeSharpPicture;
+  restTimer_ = dispatch::Timer::after(rest, [weak = weak_from_this()] {
     if (const auto self = weak.lock()) self->requestSharpPicture();
   });
 }
 
+/// One at a time: two that overlap mistake each other's sizes for the page's.
 void LiveView::requestSharpPicture() {
+  if (takingSharpPicture_) return requestPictureAtRest();
+  takingSharpPicture_ = true;
   page_->sendForData(
       u"Page.captureScreenshot"_s, {{u"format"_s, u"jpeg"_s}, {u"quality"_s, sharpPictureQuality}},
-      "data", [weak = weak_from_this(), current = lastPicture_](const Result<DataReply>& reply) {
+      "data",
+      [weak = weak_from_this(), current = lastPicture_,
+       document = document_](const Result<DataReply>& reply) {
         const auto self = weak.lock();
-        // The page has moved on meanwhile.
-        if (!self || !reply || self->lastPicture_ != current) return;
-        self->decode(reply->data);
-      });
+        if (!self || self->document_ != document) return;
+        // Otherwise the page has moved on meanwhile.
+        if (self->endSharpPicture() && reply && self->lastPicture_ == current)
+          self->decode(reply->data);
+      },
+      sharpPictureTimeout);
+}
+
+/// False when another size was waiting, for which the picture was not made.
+bool LiveView::endSharpPicture() {
+  takingSharpPicture_ = false;
+  const bool isOfThisSize = !sizeWaits_;
+  if (sizeWaits_) applySize();
+  return isOfThisSize;
 }
 
 void LiveView::decode(const QByteArray& jpeg) {
@@ -229,6 +262,7 @@ void LiveView::send(WheelInput input) {
 }
 
 void LiveView::send(const KeyInput& input) {
+  lastKey_.start();
   deliver(u"Input.dispatchKeyEvent"_s, describe(input));
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QElapsedTimer>
 #include <QImage>
 #include <QSizeF>
 #include <QString>
@@ -87,7 +88,9 @@ class LiveView : public PageObserver, public std::enable_shared_from_this<LiveVi
   int viewportWidth() const;
   void startScreencast();
   void handlePicture(const QJsonObject& event);
+  void requestPictureAtRest();
   void requestSharpPicture();
+  bool endSharpPicture();
   void decode(const QByteArray& jpeg);
   void decodeNext();
   void showPicture(const QImage& picture);
@@ -110,6 +113,12 @@ class LiveView : public PageObserver, public std::enable_shared_from_this<LiveVi
   QByteArray waitingPicture_;
   QByteArray lastPicture_;
   bool decoding_ = false;
+  QElapsedTimer lastKey_;
+  bool takingSharpPicture_ = false;
+  /// Number of the document shown.
+  int document_ = 0;
+  /// The page has not been given the area's size.
+  bool sizeWaits_ = false;
 
   /// Input that waits until it is known whether a press opened a list.
   std::deque<HeldInput> held_;

@@ -20,6 +20,12 @@ void CVDropBoxPreferencesViewController::setupWithPreferences(
 
 void CVDropBoxPreferencesViewController::setup() {
   const bool linked = preferences_ && preferences_->dropboxLinked();
+  layout_->explanation->setText(
+      linked
+          ? tr("Your Dropbox account is linked: DropBox is among the destinations. Corvalis keeps "
+               "to its own folder there.")
+          : tr("Link your Dropbox account to choose DropBox as a destination. Corvalis keeps to "
+               "its own folder there."));
   layout_->linkButton->setText(linked ? tr("Unlink from DropBox") : tr("Link to DropBox"));
 }
 

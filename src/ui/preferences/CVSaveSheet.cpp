@@ -46,15 +46,16 @@ class SheetContents : public QObject {
     auto* change = new QPushButton(QDialog::tr("Change…"));
     change->setAutoDefault(false);
     connect(change, &QPushButton::clicked, this, [this] { chooseFolder(); });
-    auto* folderRow = new QHBoxLayout;
+    auto* folderRow = folderRow_ = new QHBoxLayout;
     folderRow->addWidget(folderLabel_, 1);
     folderRow->addWidget(change);
     extension_ = new QLabel;
     extension_->setObjectName(QStringLiteral("extensionLabel"));
-    auto* nameRow = new QHBoxLayout;
+    auto* nameRow = nameRow_ = new QHBoxLayout;
+    nameRow->setSpacing(4);
     nameRow->addWidget(name_, 1);
     nameRow->addWidget(extension_);
-    auto* form = new QFormLayout;
+    auto* form = form_ = new QFormLayout;
     form->setLabelAlignment(Qt::AlignRight | Qt::AlignVCenter);
     form->setContentsMargins(24, 20, 24, 4);
     form->setVerticalSpacing(12);
@@ -78,6 +79,18 @@ class SheetContents : public QObject {
     pane->setPreferences(preferences_);
     pane->setFormatChanged([this] { showExtension(); });
     sheet_.layout()->addWidget(pane);
+    alignWith(*pane);
+  }
+
+  /// The name and the folder begin where the pane's fields do.
+  void alignWith(const QWidget& pane) {
+    const auto* label = pane.findChild<QLabel*>(QStringLiteral("formatLabel"));
+    if (!label) return;
+    form_->setHorizontalSpacing(12);
+    for (auto* own : {form_->labelForField(nameRow_), form_->labelForField(folderRow_)}) {
+      own->setMinimumWidth(label->minimumWidth());
+      static_cast<QLabel*>(own)->setAlignment(label->alignment());
+    }
   }
 
   void addButtons() {
@@ -128,6 +141,9 @@ class SheetContents : public QObject {
   QDialog& sheet_;
   const std::shared_ptr<CVPreferences> preferences_;
   QUrl folder_;
+  QFormLayout* form_ = nullptr;
+  QHBoxLayout* nameRow_ = nullptr;
+  QHBoxLayout* folderRow_ = nullptr;
   QLineEdit* name_ = nullptr;
   QLabel* extension_ = nullptr;
   ui::ElidedLabel* folderLabel_ = nullptr;

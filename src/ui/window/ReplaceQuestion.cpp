@@ -15,6 +15,7 @@ QMessageBox* makeQuestion(QWidget* window, const QString& text, const QString& e
   question->setObjectName(u"replaceQuestion"_s);
   question->setAttribute(Qt::WA_DeleteOnClose);
   question->setWindowModality(Qt::WindowModal);
+  question->setWindowTitle(QMessageBox::tr("Save"));
   question->setIcon(QMessageBox::Warning);
   question->setTextFormat(Qt::PlainText);
   question->setText(text);

@@ -191,6 +191,13 @@ void takePreferences() {
   settings.setFormat(u"PDF"_s);
   again.display(Pane::Snapshot);
   take(u"preferences-snapshot"_s);
+  settings.setUsePagination(true);
+  settings.setIncludeHeadersAndFooters(true);
+  settings.setNotes(u"Printed for the spring meeting"_s);
+  again.display(Pane::Dropbox);
+  again.display(Pane::Snapshot);
+  take(u"preferences-pages"_s);
+  settings.setUsePagination(false);
   settings.setFormat(u"JPEG"_s);
   again.display(Pane::Dropbox);
   again.display(Pane::Snapshot);
@@ -198,6 +205,10 @@ void takePreferences() {
   settings.setDestination(u"Printer"_s);
   again.display(Pane::Dropbox);
   take(u"preferences-dropbox"_s);
+  settings.setDropboxLinkedProvider([] { return true; });
+  again.display(Pane::Snapshot);
+  again.display(Pane::Dropbox);
+  take(u"preferences-dropbox-linked"_s);
   again.display(Pane::Snapshot);
   take(u"preferences-printer"_s);
   program.window->preferencesWindow()->close();
