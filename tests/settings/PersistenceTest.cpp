@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <QDir>
 #include <QTemporaryDir>
 
 #include "platform/defaults/UserDefaults.h"
@@ -183,6 +184,16 @@ TEST_F(Persistence, ADamagedFileIsSetAsideAndNeverOverwritten) {
   QFile kept(path + u".damaged"_s);
   ASSERT_TRUE(kept.open(QIODevice::ReadOnly));
   EXPECT_EQ(kept.readAll(), "{\"format\": \"PNG\", ");
+  EXPECT_FALSE(store()->openingError());
+}
+
+TEST_F(Persistence, WhatCannotBeReadIsNotReplaced) {
+  // A folder cannot be read as a file, not even by the super-user.
+  ASSERT_TRUE(QDir().mkpath(path + u"/kept"_s));
+  const auto unreadable = store();
+  EXPECT_TRUE(unreadable->openingError());
+  EXPECT_FALSE(unreadable->synchronize());
+  EXPECT_TRUE(QFile::exists(path + u".damaged/kept"_s));
   EXPECT_FALSE(store()->openingError());
 }
 

@@ -44,11 +44,8 @@ UserDefaults::UserDefaults(QString path) : path_(std::move(path)) {}
 void UserDefaults::read() {
   QFile file(path_);
   if (!file.exists()) return;
-  if (!file.open(QIODevice::ReadOnly)) {
-    openingError_ =
-        fileError(1, u"The settings in %1 cannot be read: %2."_s, path_, file.errorString());
-    return;
-  }
+  // The next save would replace what nobody has read.
+  if (!file.open(QIODevice::ReadOnly)) return setAside(file.errorString());
   if (file.size() > largestFile) return setAside(u"it is too large"_s);
   QJsonParseError parseError;
   const QJsonDocument document = QJsonDocument::fromJson(file.readAll(), &parseError);
@@ -68,7 +65,8 @@ void UserDefaults::setAside(const QString& reason) {
   QFile::remove(kept);
   QFile::rename(path_, kept);
   openingError_ = fileError(
-      2, u"The settings in %1 are damaged (%2); they were set aside and the defaults are in use."_s,
+      2,
+      u"The settings in %1 cannot be read (%2); they were set aside and the defaults are in use."_s,
       path_, reason);
   logLine(openingError_->localizedDescription);
 }

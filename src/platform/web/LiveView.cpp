@@ -284,12 +284,27 @@ void LiveView::deliver(const QString& method, const QJsonObject& parameters) {
 
 /// What the user does moves the caret, all but the mere way of the pointer.
 void LiveView::sendInput(const HeldInput& input) {
-  ReplyCallback done;
-  if (input.parameters[u"type"].toString() != u"mouseMoved")
-    done = [weak = weak_from_this()](const auto&) {
-      if (const auto self = weak.lock()) self->readCaret();
-    };
-  page_->send(input.method, input.parameters, std::move(done));
+  const bool isMove = input.parameters[u"type"].toString() == u"mouseMoved";
+  ++inputUnderWay_;
+  page_->send(input.method, input.parameters, [weak = weak_from_this(), isMove](const auto&) {
+    const auto self = weak.lock();
+    if (!self) return;
+    if (!isMove) self->readCaret();
+    --self->inputUnderWay_;
+    self->runAfterInput();
+  });
+}
+
+/// The page answers questions sooner than it takes in input that was sent before them.
+void LiveView::afterInput(std::function<void()> work) {
+  afterInput_.push_back(std::move(work));
+  runAfterInput();
+}
+
+void LiveView::runAfterInput() {
+  if (inputUnderWay_ > 0 || holding_) return;
+  for (const auto& work : std::exchange(afterInput_, {}))
+    work();
 }
 
 /// Input that follows waits a moment: were it sent at once, the release would overtake the press.
@@ -328,6 +343,7 @@ void LiveView::flushInput() {
   holding_ = false;
   for (const HeldInput& input : std::exchange(held_, {}))
     sendInput(input);
+  runAfterInput();
 }
 
 /// Asks one question at a time; the pointer's last place is asked for in the end.
@@ -370,16 +386,18 @@ void LiveView::readCaret() {
 }
 
 void LiveView::readSelectedText(std::function<void(const QString&)> callback) {
-  page_->evaluate(
+  const auto script =
       uR"((() => {
     const element = document.activeElement;
     if (element && typeof element.selectionStart === 'number' && element.type !== 'password')
       return element.value.slice(element.selectionStart, element.selectionEnd);
     return String(getSelection());
-  })())"_s,
-      [callback = std::move(callback)](const Result<QJsonValue>& text) {
-        callback(text ? text->toString() : QString());
-      });
+  })())"_s;
+  afterInput([page = page_, script, callback = std::move(callback)] {
+    page->evaluate(script, [callback](const Result<QJsonValue>& text) {
+      callback(text ? text->toString() : QString());
+    });
+  });
 }
 
 void LiveView::deleteSelection() {

@@ -60,7 +60,8 @@ class LiveView : public PageObserver, public std::enable_shared_from_this<LiveVi
   /// The unfinished text of an input method; the cursor is at `cursor`, in UTF-16 units. Empty ends
   /// it.
   void setComposition(const QString& text, int cursor);
-  /// The text that is selected in the page's main frame; empty when there is none.
+  /// The text that is selected in the page's main frame, after the input so far; empty when there
+  /// is none.
   void readSelectedText(std::function<void(const QString&)> callback);
   /// Cuts the selection out, after `readSelectedText`.
   void deleteSelection();
@@ -101,6 +102,9 @@ class LiveView : public PageObserver, public std::enable_shared_from_this<LiveVi
   void sendInput(const HeldInput& input);
   void readCursor(const QPointF& position);
   void readCaret();
+  /// Runs the work when all input so far has reached the page.
+  void afterInput(std::function<void()> work);
+  void runAfterInput();
 
   std::shared_ptr<Page> page_;
   std::weak_ptr<LiveViewDelegate> delegate_;
@@ -123,6 +127,8 @@ class LiveView : public PageObserver, public std::enable_shared_from_this<LiveVi
   /// Input that waits until it is known whether a press opened a list.
   std::deque<HeldInput> held_;
   bool holding_ = false;
+  int inputUnderWay_ = 0;
+  std::vector<std::function<void()>> afterInput_;
   bool swallowRelease_ = false;
 
   std::optional<QPointF> cursorPosition_;
