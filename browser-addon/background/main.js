@@ -4,7 +4,7 @@
 import {showMark} from './badge.js';
 import {Host, HostMissing} from './host.js';
 import {captureRequest} from './request.js';
-import {activeTab, capturedTab} from './tab.js';
+import {activeTab, capturedTab, pictures} from './tab.js';
 
 const menuEntry = 'capture';
 
@@ -20,8 +20,7 @@ const host = new Host(async what => {
 async function capture(tab) {
   await showMark(tab.id, 'working');
   try {
-    const page = await capturedTab(tab);
-    await handOver(tab, captureRequest(page));
+    await handOver(tab, captureRequest(await capturedTab(tab)));
     await showMark(tab.id, 'done');
   } catch (error) {
     await showMark(tab.id, 'failed', error.message);
@@ -33,12 +32,13 @@ async function handOver(tab, request) {
     await host.sendRequest(request);
   } catch (error) {
     if (!(error instanceof HostMissing)) throw error;
-    await handOverByScheme(tab, request);
+    await handOverByScheme(tab);
   }
 }
 
 /** Without the host a small page goes by the address scheme; the user is told how to install it. */
-async function handOverByScheme(tab, request) {
+async function handOverByScheme(tab) {
+  const request = captureRequest(await capturedTab(tab, pictures.linked));
   const fits = request.length <= longestSchemeAddress;
   const hint = chrome.runtime.getURL(`pages/install.html#${fits ? 'sent' : 'too-large'}`);
   await chrome.tabs.create({url: hint, index: tab.index + 1, openerTabId: tab.id});

@@ -7,6 +7,9 @@ import {joinedStyles} from './styles.js';
 const contentScripts = ['content/styles.js', 'content/attributes.js', 'content/pictures.js',
   'content/markup.js', 'content/capture.js'];
 
+/** Whether what only this browser may be able to load goes along. */
+export const pictures = {embedded: ['content/embed.js'], linked: []};
+
 /** The tab that the user sees; with the program's window in front, the one last seen. */
 export async function activeTab() {
   const [tab] = await chrome.tabs.query({active: true, lastFocusedWindow: true});
@@ -14,12 +17,12 @@ export async function activeTab() {
 }
 
 /** The page, or an error whose message is for the user. */
-export async function capturedTab(tab) {
+export async function capturedTab(tab, forPictures = pictures.embedded) {
   if (!isWebAddress(tab?.url)) throw new Error('Corvalis captures web pages only.');
   let results;
   try {
     results = await chrome.scripting.executeScript(
-      {target: {tabId: tab.id, allFrames: true}, files: contentScripts});
+      {target: {tabId: tab.id, allFrames: true}, files: [...forPictures, ...contentScripts]});
   } catch (refusal) {
     throw new Error(`The browser does not let this page be captured: ${refusal.message}`);
   }

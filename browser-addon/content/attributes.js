@@ -47,6 +47,8 @@
     const attributes = new Map();
     for (const {name, value} of element.attributes)
       if (!isHandler(name) && name !== 'nonce') attributes.set(name, value);
+    if (/url\(/i.test(attributes.get('style') ?? ''))
+      attributes.set('style', corvalis.styleText(element));
     if (element.namespaceURI === 'http://www.w3.org/1999/xhtml')
       writers[element.localName]?.(element, attributes);
     return attributes;

@@ -1,6 +1,7 @@
-// The last of the content scripts: its value is the piece of the page that this frame holds.
+// The last of the content scripts: its value is the piece of the page that this frame holds (a
+// promise of it).
 
-(() => {
+(async () => {
   /** The index of each window among its parent's, from the top down; none at the top itself. */
   function placeAmongFrames() {
     const path = [];
@@ -15,6 +16,9 @@
   // A picture or a text alone has no markup worth sending that a fetch would not bring.
   const root = document.documentElement;
   if (!root || root.localName !== 'html') return null;
+  corvalis.embedded = await corvalis.embedding ?? (address => address);
+  // The next capture of this document may do without.
+  delete corvalis.embedding;
   return {
     path: placeAmongFrames(),
     address: location.href,

@@ -17,9 +17,11 @@
     return [...attributes].map(([name, value]) => ` ${name}="${escapedAttribute(value)}"`).join('');
   }
 
+  /** Closed ones as well: Chromium has a function for add-ons, Firefox a property. */
   function shadowRootOf(element) {
     try {
-      return element.shadowRoot ?? globalThis.chrome?.dom?.openOrClosedShadowRoot?.(element);
+      return element.shadowRoot ?? element.openOrClosedShadowRoot ??
+          globalThis.chrome?.dom?.openOrClosedShadowRoot?.(element);
     } catch (noRoot) {
       return null;
     }
@@ -89,7 +91,7 @@
       attributes.delete('width');
       attributes.delete('height');
       attributes.set('src', address);
-      attributes.set('style', `${corvalis.boxStyle(canvas)}; ${attributes.get('style') ?? ''}`);
+      attributes.set('style', [attributes.get('style'), corvalis.boxStyle(canvas)].filter(text => text).join('; '));
       this.#write(`<img${attributeText(attributes)}>`);
       return true;
     }

@@ -9,12 +9,15 @@ globalThis.corvalis ??= {};
     return text.replace(/url\("((?:[^"\\]|\\.)*)"\)/g, (whole, address) => {
       if (/^(data:|#|blob:)/i.test(address)) return whole;
       try {
-        return `url("${new URL(address.replace(/\\(.)/g, '$1'), base).href}")`;
+        return `url("${corvalis.embedded(new URL(address.replace(/\\(.)/g, '$1'), base).href)}")`;
       } catch (noAddress) {
         return whole;
       }
     });
   }
+
+  /** Of a style attribute, which the page has in whatever spelling. */
+  corvalis.styleText = element => withAbsoluteAddresses(element.style.cssText, document.baseURI);
 
   /** Within a style element the text must not end the element. */
   const harmless = text => text.replace(/<\/(style)/gi, '<\\/$1');

@@ -1,39 +1,18 @@
 #include <QDir>
-#include <QFile>
 
 #include "BrowserFixture.h"
+#include "SeenPage.h"
 #include "platform/browsers/AddOn.h"
 #include "platform/browsers/AddOnDoor.h"
 #include "platform/browsers/AddOnFrontPage.h"
 
 using namespace addon_test;
-using ::testing::AllOf;
-using ::testing::ContainsRegex;
-using ::testing::HasSubstr;
-using ::testing::Not;
 
 namespace {
 
-constexpr char frameText[] =
-    "<!DOCTYPE html><head><style>body { color: rgb(3, 3, 3) }</style></head><body>"
-    "Frame \"one\" &amp;lt;kept&amp;gt;<iframe src='/inner'></iframe>";
-
 class AddOnTest : public ::testing::Test {
  protected:
-  void SetUp() override {
-    QFile file(QStringLiteral(CORVALIS_SOURCE_DIR "/tests/browser-addon/fixtures/seen.html"));
-    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-    QByteArray page = file.readAll();
-    page.replace("%1", QByteArray::number(server.url(u"/"_s).port()));
-    server.set(u"/page"_s,
-               {page, "text/html; charset=utf-8", "200 OK", "Set-Cookie: member=yes\r\n"});
-    server.set(u"/sheets/linked.css"_s, {".linked { background: url(deep.png) }", "text/css"});
-    server.set(u"/sheets/foreign.css"_s,
-               {".foreign { background: url( 'far.png' ) } </style>", "text/css"});
-    server.setPage(u"/frame"_s, frameText);
-    server.setPage(u"/inner"_s, "<p>Innermost");
-    server.setPage(u"/stranger?src=1"_s, "<p>Of another origin");
-  }
+  void SetUp() override { serveSeenPage(server); }
 
   /// Starts the browser with the add-on; the host is known to it, or not.
   void start(bool hasHost) {
@@ -84,32 +63,6 @@ class AddOnTest : public ::testing::Test {
   Inspector inspector;
   QString page, worker;
 };
-
-/// The values of the merged page that say whether it is the page as it was seen.
-void expectPageAsSeen(const std::string& merged, const HttpServer& server) {
-  const std::string origin = server.url(u""_s).toString().toStdString();
-  EXPECT_THAT(merged,
-              AllOf(HasSubstr("<!DOCTYPE html>"),
-                    HasSubstr(">said by a script: &lt;/head&gt; &lt;script&gt;<"),
-                    HasSubstr("value=\"typed &quot;quoted&quot;\""), HasSubstr("checked=\"\""),
-                    HasSubstr(">\ntwo\nlines</textarea>"), HasSubstr("<option selected=\"\">two")));
-  EXPECT_THAT(merged, AllOf(HasSubstr("src=\"data:image/png;base64,"),
-                            HasSubstr("width: 40px; height: 20px"), Not(HasSubstr("<canvas"))));
-  EXPECT_THAT(merged, AllOf(HasSubstr("<template shadowrootmode=\"open\"><link rel=\"stylesheet\""),
-                            HasSubstr("font-weight%3A%20700"), HasSubstr("<b>In the shadow</b>")));
-  EXPECT_THAT(merged, AllOf(HasSubstr("margin: 7px"), HasSubstr(origin + "/pic.png"),
-                            HasSubstr(origin + "/sheets/deep.png"), Not(HasSubstr("linked.css"))));
-  // The sheet of another origin is where it was among the others, and cannot end the element.
-  EXPECT_THAT(merged, ContainsRegex("deep.png[^@]*@media \\(min-width: 1px\\) \\{ .foreign "
-                                    "[^}]*http://localhost:[0-9]*/sheets/far.png[^}]*\\} "
-                                    "<\\\\/style> \\}[^@]*\\.last"));
-  EXPECT_THAT(merged, AllOf(HasSubstr("&amp;amp;lt;kept&amp;amp;gt;"), HasSubstr("Innermost"),
-                            HasSubstr("Of another origin"), HasSubstr("Given"),
-                            Not(HasSubstr("iframe src="))));
-  EXPECT_THAT(merged,
-              AllOf(Not(HasSubstr("secret")), Not(HasSubstr("onclick")),
-                    Not(HasSubstr("Content-Security-Policy")), Not(HasSubstr("no scripts"))));
-}
 
 TEST_F(AddOnTest, TheButtonHandsThePageAsSeenToTheProgram) {
   ReceivingProgram program;

@@ -1,10 +1,10 @@
 #include "platform/browsers/DevToolsFrontPage.h"
 
 #include "platform/browsers/BrowserError.h"
-#include "platform/browsers/BrowserProfiles.h"
 #include "platform/browsers/DevToolsConnection.h"
 #include "platform/browsers/FrontTab.h"
 #include "platform/browsers/PagePrograms.h"
+#include "platform/desktop/BrowserProfiles.h"
 #include "platform/desktop/RunningApplications.h"
 
 using namespace Qt::StringLiterals;
@@ -91,7 +91,7 @@ void DevToolsFrontPage::setReason(const MaybeError& error) {
 
 Result<std::shared_ptr<DevToolsConnection>> DevToolsFrontPage::connection(Asking asking) {
   Result<std::shared_ptr<DevToolsConnection>> outcome = closedDoor();
-  for (const QString& folder : profileFoldersInUse()) {
+  for (const QString& folder : desktop::chromiumProfileFoldersInUse()) {
     const auto endpoint = readEndpoint(folder);
     if (!endpoint) continue;
     if (connection_ && connection_->isOpen() && connection_->endpoint() == *endpoint)

@@ -11,7 +11,7 @@
 
 #include "platform/browsers/AddOn.h"
 #include "platform/browsers/BrowserError.h"
-#include "platform/browsers/BrowserProfiles.h"
+#include "platform/browsers/ManifestFolders.h"
 
 using namespace Qt::StringLiterals;
 

@@ -3,8 +3,8 @@
 #include <future>
 
 #include "Chromium.h"
-#include "platform/browsers/BrowserProfiles.h"
 #include "platform/browsers/DevToolsFrontPage.h"
+#include "platform/desktop/BrowserProfiles.h"
 #include "platform/desktop/RunningApplications.h"
 #include "platform/web/HttpServer.h"
 #include "support/Wait.h"
@@ -29,7 +29,7 @@ TEST(RunningChromium, GivesThePageThatItShows) {
   server.setPage(u"/frame"_s, "<p>In the frame");
   Chromium browser(server.url(u"/page"_s));
   ASSERT_TRUE(browser.isReady());
-  EXPECT_EQ(profileFoldersInUse(), QStringList{Chromium::profileFolder()});
+  EXPECT_EQ(desktop::chromiumProfileFoldersInUse(), QStringList{Chromium::profileFolder()});
 
   DevToolsFrontPage front(desktop::RunningApplications::create());
   EXPECT_TRUE(front.isRunning());

@@ -155,7 +155,7 @@ TEST_F(DevToolsFrontPageTest, WhatAnEndedBrowserLeftBehindIsNotAsked) {
   profile.setEndpoint(browser.port());
   profile.lock(QSysInfo::machineHostName(), 0x7fffffff);
   EXPECT_EQ(address(), std::nullopt);
-  profile.lock(u"another-machine"_s, ::getpid());
+  profile.lock(u"another-machine"_s, profile.process());
   EXPECT_EQ(address(), std::nullopt);
   EXPECT_EQ(browser.connections(), 0);
 }

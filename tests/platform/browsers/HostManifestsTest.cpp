@@ -64,7 +64,8 @@ TEST(HostManifests, EachBrowserThatIsThereLearnsOfTheHostAndForgetsItExactly) {
   ASSERT_TRUE(other.open(QIODevice::WriteOnly));
   other.write("{}");
   other.close();
-  QDir().mkpath(QDir::homePath() + u"/.mozilla"_s);
+  // Newer releases of Firefox keep their profiles here, and read manifests in the old place.
+  QDir().mkpath(config(u"mozilla/firefox"_s));
   const auto before = everything();
 
   // Twice, with another path: the second brings the first up to date and can still be undone.
