@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <atomic>
 #include <memory>
+#include <thread>
 
 #include "support/Wait.h"
 
@@ -28,14 +29,18 @@ class Held {
 };
 
 TEST(MainQueue, WhatWorkHoldsEndsOnTheMainThread) {
-  constexpr int count = 2000;
+  constexpr int count = 1000;
   std::atomic<int> onMain = 0, elsewhere = 0;
+  // One at a time, so that each is often over before its caller returns.
   dispatch::globalAsync(dispatch::Priority::Default, [&] {
-    for (int index = 0; index < count; ++index) {
+    for (int posted = 1; posted <= count; ++posted) {
       dispatch::mainAsync([held = std::make_shared<Held>(onMain, elsewhere)] {});
+      while (onMain + elsewhere < posted)
+        std::this_thread::yield();
     }
   });
   EXPECT_TRUE(support::waitFor([&] { return onMain + elsewhere == count; }));
+  EXPECT_EQ(onMain, count);
   EXPECT_EQ(elsewhere, 0);
 }
 
