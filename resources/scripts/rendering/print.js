@@ -54,11 +54,14 @@
 
   const isPercentage = (element, name) => String(element.computedStyleMap().get(name)).includes('%');
 
+  const hasShareOfHeight = (element) => ['height', 'min-height'].some((name) => isPercentage(element, name));
+
   // Percentages of the root's height, and those of quirks mode whose line of boxes leads to it, are
-  // shares of the viewport, on paper of the paper.
+  // shares of the viewport, on paper of the paper. Without such shares a quirks root is left alone: a
+  // document that is lower than the viewport would be as high as that.
   const freezeRoot = () => {
     const root = document.documentElement;
-    if (document.compatMode === 'BackCompat') {
+    if (document.compatMode === 'BackCompat' && [...corvalisPage.elements(document)].some(hasShareOfHeight)) {
       corvalisPage.override(root, { height: `${innerHeight}px` });
     }
     for (const name of ['height', 'min-height', 'max-height']) {
@@ -81,6 +84,19 @@
     }
   };
 
+  // Where the root's direction is right to left, the engine moves scaled print sideways by what the
+  // scale adds or takes, off the paper. The root becomes left to right; the body keeps its direction,
+  // which what is in it inherits, and its place.
+  const keepDirection = () => {
+    const { documentElement: root, body } = document;
+    if (!body || !(body instanceof HTMLBodyElement)) return;
+    const isRightToLeft = (element) => getComputedStyle(element).direction === 'rtl';
+    if (!isRightToLeft(root) && !isRightToLeft(body)) return;
+    const left = body.getBoundingClientRect().left + scrollX;
+    corvalisPage.override(body, { 'margin-left': `${left}px`, direction: getComputedStyle(body).direction });
+    corvalisPage.override(root, { direction: 'ltr' });
+  };
+
   // An identifier that no element has raises the weight of our rules above the page's.
   const heavy = ':not(#corvalis-a#corvalis-b#corvalis-c)';
 
@@ -98,6 +114,7 @@
     }
     freezePlaced();
     freezeRoot();
+    keepDirection();
     corvalisPage.addSheet(rules.join('\n'));
     return true;
   };

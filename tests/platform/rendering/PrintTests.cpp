@@ -74,6 +74,35 @@ TEST_F(PrintTest, SharesOfTheViewportKeepTheirScreenSize) {
   }
 }
 
+TEST_F(PrintTest, LowQuirksDocumentsAreNotStretchedToTheViewport) {
+  openFixture(u"quirks.html"_s);
+  const QString path = printTall();
+  expectOnePage(path, {1024, 300});
+  EXPECT_EQ(colour(pdfPixels(path), 500, 280), "008000");
+}
+
+TEST_F(PrintTest, RightToLeftDocumentsStandWhereThePictureHasThem) {
+  const QString content =
+      u"<p style='margin:0;height:100px;width:300px;background:rgb(0,128,0)'>words<p "
+      "style='height:500px'>"_s;
+  const QString body = u"<body style='margin:20px;width:600px;background:rgb(255,255,0)'"_s;
+  for (const QString& markup : {u"<!DOCTYPE html><html dir=rtl>"_s + body + u'>' + content,
+                                u"<!DOCTYPE html>"_s + body + u" dir=rtl>"_s + content}) {
+    openMarkup(markup);
+    const QImage tall = pdfPixels(printTall());
+    EXPECT_EQ(colour(tall, 690, 60), "ffff00");
+    EXPECT_EQ(colour(tall, 720, 60), "008000");
+    EXPECT_EQ(colour(tall, 990, 90), "008000");
+    EXPECT_EQ(colour(tall, 1014, 60), "ffff00");
+    const QImage first = pdfPixels(printPaginated(a4));
+    EXPECT_EQ(colour(first, 380, 80), "ffff00");
+    EXPECT_EQ(colour(first, 410, 80), "008000");
+    EXPECT_EQ(colour(first, 524, 80), "008000");
+    EXPECT_EQ(evaluate(u"document.documentElement.getAttribute('style')"_s).toString(), QString());
+    EXPECT_EQ(evaluate(u"getComputedStyle(document.body).direction"_s).toString(), u"rtl"_s);
+  }
+}
+
 TEST_F(PrintTest, SheetsOfOtherOriginsAreSettledToo) {
   Loopback server;
   server.set("/style.css",
