@@ -3,6 +3,7 @@
 const marks = {
   working: {text: '…', colour: '#5a6b7b'},
   done: {text: '✓', colour: '#2e7d32'},
+  unsure: {text: '?', colour: '#b26a00'},
   failed: {text: '!', colour: '#c62828'},
 };
 

@@ -11,6 +11,9 @@ const menuEntry = 'capture';
 /** Browsers on Linux pass on no longer address, and say nothing about it. */
 const longestSchemeAddress = 131_071;
 
+/** What the page that tells about the missing host is to open; given out once. */
+let requestForHint = '';
+
 const host = new Host(async what => {
   const tab = await activeTab();
   if (!tab) throw new Error('The browser shows no page.');
@@ -20,8 +23,8 @@ const host = new Host(async what => {
 async function capture(tab) {
   await showMark(tab.id, 'working');
   try {
-    await handOver(tab, captureRequest(await capturedTab(tab)));
-    await showMark(tab.id, 'done');
+    const outcome = await handOver(tab, captureRequest(await capturedTab(tab)));
+    await showMark(tab.id, outcome.mark, outcome.reason);
   } catch (error) {
     await showMark(tab.id, 'failed', error.message);
   }
@@ -30,21 +33,34 @@ async function capture(tab) {
 async function handOver(tab, request) {
   try {
     await host.sendRequest(request);
+    return {mark: 'done'};
   } catch (error) {
     if (!(error instanceof HostMissing)) throw error;
-    await handOverByScheme(tab);
+    return handOverByScheme(tab);
   }
 }
 
-/** Without the host a small page goes by the address scheme; the user is told how to install it. */
+/**
+ * Without the host a small page goes by the address scheme; the user is told how to install it. The
+ * page that tells it opens the address: a browser that knows no program for it may show an error in
+ * its place, and no browser says what has become of it.
+ */
 async function handOverByScheme(tab) {
   const request = captureRequest(await capturedTab(tab, pictures.linked));
   const fits = request.length <= longestSchemeAddress;
+  requestForHint = fits ? request : '';
   const hint = chrome.runtime.getURL(`pages/install.html#${fits ? 'sent' : 'too-large'}`);
   await chrome.tabs.create({url: hint, index: tab.index + 1, openerTabId: tab.id});
-  if (!fits) throw new Error('Corvalis is not connected to this browser: run "corvalis integrate".');
-  await chrome.tabs.update(tab.id, {url: request});
+  const reason = 'Corvalis is not connected to this browser: run "corvalis integrate".';
+  if (!fits) throw new Error(reason);
+  return {mark: 'unsure', reason};
 }
+
+chrome.runtime.onMessage.addListener((question, sender, answer) => {
+  if (question !== 'request for the hint') return;
+  answer(requestForHint);
+  requestForHint = '';
+});
 
 function addMenuEntry() {
   chrome.contextMenus.removeAll(() => chrome.contextMenus.create({

@@ -21,8 +21,12 @@ export async function capturedTab(tab, forPictures = pictures.embedded) {
   if (!isWebAddress(tab?.url)) throw new Error('Corvalis captures web pages only.');
   let results;
   try {
-    results = await chrome.scripting.executeScript(
-      {target: {tabId: tab.id, allFrames: true}, files: [...forPictures, ...contentScripts]});
+    results = await chrome.scripting.executeScript({
+      target: {tabId: tab.id, allFrames: true},
+      files: [...forPictures, ...contentScripts],
+      // As it is now: a frame whose server does not answer would be waited for without end.
+      injectImmediately: true,
+    });
   } catch (refusal) {
     throw new Error(`The browser does not let this page be captured: ${refusal.message}`);
   }

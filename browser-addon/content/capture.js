@@ -13,6 +13,13 @@
     return path;
   }
 
+  // The program shows every page in standards mode. These are the rules that the HTML Standard
+  // (15, Rendering) gives for the other one; in a layer, so that each of the page's own wins.
+  const oldPageRules = `@layer { table { font-weight: initial; font-style: initial; font-variant: initial;
+    font-size: initial; line-height: initial; white-space: initial; text-align: initial }
+    input:not([type=image i]) { box-sizing: border-box } form { margin-block-end: 1em } }`;
+  const addedSheets = document.compatMode === 'BackCompat' ? [{text: oldPageRules}] : [];
+
   // A picture or a text alone has no markup worth sending that a fetch would not bring.
   const root = document.documentElement;
   if (!root || root.localName !== 'html') return null;
@@ -25,6 +32,6 @@
     base: document.baseURI,
     doctype: document.compatMode === 'CSS1Compat' ? '<!DOCTYPE html>\n' : '',
     parts: corvalis.markupParts(root, window),
-    sheets: corvalis.sheetsOf(document),
+    sheets: [...corvalis.sheetsOf(document), ...addedSheets],
   };
 })();
