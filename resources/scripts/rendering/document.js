@@ -62,15 +62,22 @@
 
   const isOutside = (box) => box.top >= innerHeight || box.bottom <= 0;
 
+  // Documents that are written from right to left overflow to the left: on wider paper their right edge
+  // is what stays where it is.
+  const startsAtTheRight = () =>
+    getComputedStyle(document.documentElement).direction === 'rtl' ||
+    (document.body !== null && getComputedStyle(document.body).direction === 'rtl');
+
   // A fixed or absolute element keeps its size and place of the screen when the viewport changes.
   corvalisPage.pin = (element, shift) => {
     const style = getComputedStyle(element);
+    const fromRight = startsAtTheRight();
     corvalisPage.override(element, {
       transition: 'none',
       width: style.width,
       height: style.height,
-      left: style.left,
-      right: 'auto',
+      left: fromRight ? 'auto' : style.left,
+      right: fromRight ? style.right : 'auto',
       top: `${parseFloat(style.top) + shift}px`,
       bottom: 'auto',
     });
@@ -81,9 +88,12 @@
     corvalisPage.override(element, { position: 'absolute' });
     const box = element.getBoundingClientRect();
     const style = getComputedStyle(element);
+    const toTheRight = wantedLeft - box.left;
     corvalisPage.override(element, {
       top: `${(parseFloat(style.top) || 0) + wantedTop - box.top}px`,
-      left: `${(parseFloat(style.left) || 0) + wantedLeft - box.left}px`,
+      ...(startsAtTheRight()
+        ? { right: `${(parseFloat(style.right) || 0) - toTheRight}px` }
+        : { left: `${(parseFloat(style.left) || 0) + toTheRight}px` }),
     });
   };
 

@@ -103,6 +103,20 @@ TEST_F(PrintTest, RightToLeftDocumentsStandWhereThePictureHasThem) {
   }
 }
 
+TEST_F(PrintTest, BarsOfWideRightToLeftDocumentsStayAtTheRight) {
+  openMarkup(
+      u"<!DOCTYPE html><html dir=rtl><body style='margin:0'><div style='width:1600px;height:900px;"
+      "background:rgb(255,255,0)'></div><div style='position:fixed;top:0;right:0;width:100px;"
+      "height:30px;background:rgb(0,128,0)'></div>"_s);
+  const QString path = printTall();
+  expectOnePage(path, {1600, 900});
+  const QImage image = pdfPixels(path);
+  EXPECT_EQ(colour(image, 1490, 15), "ffff00");
+  EXPECT_EQ(colour(image, 1510, 15), "008000");
+  EXPECT_EQ(colour(image, 1590, 15), "008000");
+  EXPECT_EQ(colour(image, 10, 890), "ffff00");
+}
+
 TEST_F(PrintTest, SheetsOfOtherOriginsAreSettledToo) {
   Loopback server;
   server.set("/style.css",
