@@ -106,9 +106,28 @@ TEST_F(AddOnTest, TheRunningProgramAsksForTheTabThatTheUserSees) {
   EXPECT_EQ(front.unavailableReason(), u"Corvalis captures web pages only."_s);
 }
 
-TEST_F(AddOnTest, WithoutTheHostTheUserIsToldHowToInstallIt) {
+TEST_F(AddOnTest, WithoutTheHostASmallPageGoesByItsAddressAndTheUserIsToldHowToInstallIt) {
   ASSERT_NO_FATAL_FAILURE(start(false));
-  // Too large for the address scheme, so that no other program is looked for.
+  press();
+  QString hint;
+  ASSERT_TRUE(support::waitFor([&] {
+    hint = inspector.target(u"page"_s, addOnAddress() + u"/pages/install.html#sent"_s);
+    return !hint.isEmpty();
+  }));
+  // The page that tells it opens the request, and the user's own page stays.
+  QString request;
+  ASSERT_TRUE(support::waitFor([&] {
+    request = inspector.evaluate(hint, u"document.querySelector('iframe')?.src"_s).toString();
+    return !request.isEmpty();
+  }));
+  EXPECT_LT(request.size(), 131'072);
+  EXPECT_THAT(mergedPage(request), testing::HasSubstr("/own.png?member\""));
+  EXPECT_TRUE(support::waitFor([&] { return badge() == u"?"; }));
+  EXPECT_EQ(inspector.target(u"page"_s, server.url(u"/page"_s).toString()), page);
+}
+
+TEST_F(AddOnTest, WithoutTheHostALargePageIsNotCaptured) {
+  ASSERT_NO_FATAL_FAILURE(start(false));
   inspector.evaluate(page, u"area.value = 'x'.repeat(200000); 0"_s);
   press();
   ASSERT_TRUE(support::waitFor([&] {

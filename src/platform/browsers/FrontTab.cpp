@@ -7,6 +7,7 @@
 
 #include "platform/browsers/BrowserError.h"
 #include "platform/browsers/DevToolsConnection.h"
+#include "platform/desktop/WindowTitles.h"
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
@@ -55,13 +56,8 @@ class Attachment {
   QString session_;
 };
 
-struct Target {
-  BrowserTab tab;
-  QString title;
-};
-
 struct Targets {
-  QList<Target> pages;
+  QList<BrowserTab> pages;
   /// The address and title of each window's active tab; newer browsers tell.
   QSet<std::pair<QString, QString>> active;
 };
@@ -76,18 +72,16 @@ Targets sorted(const QJsonArray& infos) {
     const bool isActive = info.value(u"embedderData"_s).toObject().value(u"tabActive"_s).toBool();
     if (type == u"tab" && isActive) targets.active.insert({address, title});
     if (type == u"page" && !address.startsWith(u"devtools:"))
-      targets.pages.append({{info.value(u"targetId"_s).toString(), address}, title});
+      targets.pages.append({info.value(u"targetId"_s).toString(), address, title});
   }
   return targets;
 }
 
 QList<BrowserTab> candidates(const Targets& targets) {
-  QList<BrowserTab> active, all;
-  for (const Target& page : targets.pages) {
-    all.append(page.tab);
-    if (targets.active.contains({page.tab.address, page.title})) active.append(page.tab);
-  }
-  return active.isEmpty() ? all : active;
+  QList<BrowserTab> active;
+  for (const BrowserTab& page : targets.pages)
+    if (targets.active.contains({page.address, page.title})) active.append(page);
+  return active.isEmpty() ? targets.pages : active;
 }
 
 Result<QList<BrowserTab>> openTabs(DevToolsConnection& connection) {
@@ -99,14 +93,19 @@ Result<QList<BrowserTab>> openTabs(DevToolsConnection& connection) {
   return candidates(sorted(reply->value(u"targetInfos"_s).toArray()));
 }
 
-void sortByUse(QList<BrowserTab>& tabs, const DevToolsEndpoint& endpoint) {
-  const QStringList order = targetsByUse(endpoint, probeLimit).value_or(QStringList());
-  const auto rank = [&order](const BrowserTab& tab) {
-    const qsizetype place = order.indexOf(tab.target);
-    return place < 0 ? order.size() : place;
-  };
+/// `rank` gives a tab's place; equal ones keep their order.
+template <class Rank>
+void sortBy(QList<BrowserTab>& tabs, Rank rank) {
   std::stable_sort(tabs.begin(), tabs.end(),
                    [&](const auto& a, const auto& b) { return rank(a) < rank(b); });
+}
+
+void sortByUse(QList<BrowserTab>& tabs, const DevToolsEndpoint& endpoint) {
+  const QStringList order = targetsByUse(endpoint, probeLimit).value_or(QStringList());
+  sortBy(tabs, [&order](const BrowserTab& tab) {
+    const qsizetype place = order.indexOf(tab.target);
+    return place < 0 ? order.size() : place;
+  });
 }
 
 enum Sight { Hidden, Visible, Focused };
@@ -122,12 +121,22 @@ Sight sightOf(DevToolsConnection& connection, const BrowserTab& tab) {
 
 }  // namespace
 
+void sortByStacking(QList<BrowserTab>& tabs, const QStringList& windowTitles) {
+  sortBy(tabs, [&windowTitles](const BrowserTab& tab) {
+    const auto window = std::find_if(
+        windowTitles.begin(), windowTitles.end(),
+        [&tab](const QString& title) { return title.startsWith(tab.title + u" - "_s); });
+    return std::distance(windowTitles.begin(), window);
+  });
+}
+
 Result<BrowserTab> findFrontTab(DevToolsConnection& connection) {
   auto tabs = openTabs(connection);
   if (!tabs) return tl::unexpected(tabs.error());
   if (tabs->isEmpty()) return browserFailure(NoPage, u"The browser shows no page."_s);
   if (tabs->size() == 1) return tabs->first();
   sortByUse(*tabs, connection.endpoint());
+  sortByStacking(*tabs, desktop::windowTitlesFromFront());
   std::optional<BrowserTab> visible;
   for (const BrowserTab& tab : tabs->first(std::min(tabs->size(), mostProbes))) {
     const Sight sight = sightOf(connection, tab);

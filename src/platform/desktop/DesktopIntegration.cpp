@@ -10,6 +10,7 @@
 #include <QProcess>
 #include <QSaveFile>
 #include <QStandardPaths>
+#include <algorithm>
 #include <optional>
 
 #include "platform/base/Log.h"
@@ -72,9 +73,20 @@ MaybeError remove(const QString& path) {
   return desktopError(DesktopErrorFile, u"%1: %2"_s.arg(path, file.errorString()));
 }
 
+/// Whether no reader of a desktop entry sees anything but a path in it.
+bool isPlain(const QString& program) {
+  return std::all_of(program.begin(), program.end(), [](QChar character) {
+    return (character.unicode() < 128 && character.isLetterOrNumber()) ||
+           u"/._+-"_s.contains(character);
+  });
+}
+
 /// The program as the first word of an Exec key (Desktop Entry Specification, "The Exec key"): in
-/// double quotes, and backslashes doubled once more because the key is a string.
+/// double quotes, and backslashes doubled once more because the key is a string. Without need there
+/// are no quotes: xdg-open reads the key by itself on desktops that it does not know, and takes
+/// them for a part of the path.
 QByteArray execWord(const QString& program) {
+  if (isPlain(program)) return QFile::encodeName(program);
   QByteArray word;
   for (const char character : QFile::encodeName(program)) {
     if (QByteArrayView("\"`$\\").contains(character)) word += '\\';

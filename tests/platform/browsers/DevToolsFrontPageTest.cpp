@@ -9,6 +9,7 @@
 #include "FakeDevTools.h"
 #include "FakeProfile.h"
 #include "platform/browsers/DevToolsEndpoint.h"
+#include "platform/browsers/FrontTab.h"
 #include "platform/desktop/RunningApplications.h"
 #include "support/Wait.h"
 
@@ -82,6 +83,19 @@ TEST_F(DevToolsFrontPageTest, TheFrontWindowsActiveTabIsFound) {
     EXPECT_EQ(address(), u"http://localhost/"_s + QString::fromUtf16(item.front)) << item.name;
     browser.disconnectAll();
   }
+}
+
+TEST(FrontTab, WindowsThatTheDesktopTellsOfComeFirstInTheirOrder) {
+  QList<BrowserTab> tabs{{u"hidden"_s, {}, u"News"_s},
+                         {u"behind"_s, {}, u"Shop - Offers"_s},
+                         {u"other"_s, {}, u"Letters"_s},
+                         {u"front"_s, {}, u"Weather"_s}};
+  sortByStacking(tabs, {u"Corvalis"_s, u"Weather - Chromium"_s, u"Newsreader - Chromium"_s,
+                        u"Shop - Offers - Chromium"_s});
+  QStringList order;
+  for (const BrowserTab& tab : tabs)
+    order << tab.target;
+  EXPECT_THAT(order, ElementsAre(u"front"_s, u"behind"_s, u"hidden"_s, u"other"_s));
 }
 
 TEST_F(DevToolsFrontPageTest, ThreeTextsComeOverOneConnection) {

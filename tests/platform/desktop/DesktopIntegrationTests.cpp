@@ -99,6 +99,9 @@ TEST_F(Integration, WritesWhatTheDesktopAndTheBusUnderstand) {
   const QByteArray service = read(data_ + u"/dbus-1/services/com.maplebrook.corvalis.service"_s);
   EXPECT_TRUE(service.contains("/a \"b\" $c `d` \\e '\\''f'\\'' 100%/corvalis'\n"))
       << service.constData();
+  ASSERT_EQ(integrate(), std::nullopt);
+  EXPECT_TRUE(read(data_ + u"/applications/"_s + entry).contains("\nExec=/usr/bin/corvalis %U\n"))
+      << "xdg-open takes quotes for a part of the path";
   EXPECT_TRUE(integrate(u"corvalis"_s).has_value()) << "a relative path";
 
   ASSERT_EQ(desktop::removeDesktopIntegration(), std::nullopt);
