@@ -57,7 +57,7 @@ export class Host {
     this.#port = null;
     this.#failedAt = Date.now();
     const reason = error?.message ?? 'The connection to Corvalis has ended.';
-    const isMissing = /not found|No such native application|forbidden/i.test(reason);
+    const isMissing = /not found|No such native application|forbidden|Failed to start/i.test(reason);
     for (const {reject} of this.#waiting.values())
       reject(isMissing ? new HostMissing(reason) : new Error(reason));
     this.#waiting.clear();

@@ -3,7 +3,9 @@
 (() => {
   // The most that browsers on Linux pass on as an address; they say nothing about longer ones.
   const longestAddress = 131071;
-  const encode = text => btoa(encodeURI(text));
+  // Half a surrogate pair has no encoding; the replacement character stands for it.
+  const halves = /[\uD800-\uDBFF](?![\uDC00-\uDFFF])|(?<![\uD800-\uDBFF])[\uDC00-\uDFFF]/g;
+  const encode = text => btoa(encodeURI(text.replace(halves, '\uFFFD')));
 
   // What the user has typed is not in the markup of a page.
   const written = root => {

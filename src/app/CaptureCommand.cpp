@@ -55,7 +55,8 @@ Result<RequestInput::CapturedPage> pageOnStandardInput() {
 }
 
 Result<QUrl> addressOfSource(const QString& source) {
-  const QUrl url(source, QUrl::StrictMode);
+  // Browsers leave characters in addresses that the strict form wants written otherwise.
+  const QUrl url(source);
   if (isWebAddress(url)) return url;
   return addressOfFile(url.isLocalFile() ? url.toLocalFile() : source);
 }
@@ -113,7 +114,8 @@ CaptureCommand::CaptureCommand(CaptureOptions options, std::shared_ptr<web::Engi
   services_.engine = std::move(engine);
   services_.pixelsPerPoint = options_.scale;
   services_.thumbnails = Thumbnails::NotShown;
-  services_.conversions = Conversions::Ahead;
+  // The parts of a joined document are converted in another way.
+  if (!options_.multipage) services_.conversions = Conversions::Ahead;
   multipageParts_.resize(static_cast<std::size_t>(options_.sources.size()));
 }
 
@@ -231,20 +233,20 @@ void CaptureCommand::processForMultipage(const std::shared_ptr<Job>& job) {
 }
 
 /// Joins what the sources gave, in their order, and ends the run.
-void CaptureCommand::writeMultipage() {
+void CaptureCommand::writeMultipage(const Finished& finished) {
   QList<QUrl> files;
   for (const auto& part : multipageParts_) {
     if (part) files.append(*part);
   }
   const QString target = QFileInfo(*options_.multipage).absoluteFilePath();
-  dispatch::globalAsync(dispatch::Priority::High, [this, files, target] {
+  dispatch::globalAsync(dispatch::Priority::High, [this, files, target, finished] {
     MaybeError error;
     if (!files.isEmpty()) {
       error = PDFMultipageAssembler().mergePDFURLs(files, QUrl::fromLocalFile(target));
     }
     dispatch::mainAsync([=, this] {
       report_.joined(files.isEmpty() ? std::nullopt : std::optional(target), error);
-      std::exchange(finished_, nullptr)(error || report_.anyFailed() ? 1 : 0);
+      finished(error || report_.anyFailed() ? 1 : 0);
     });
   });
 }
@@ -270,7 +272,7 @@ void CaptureCommand::end(const std::shared_ptr<Job>& job, const MaybeError& erro
 
 void CaptureCommand::finishIfComplete() {
   if (!report_.isComplete() || !finished_) return;
-  if (options_.multipage) return writeMultipage();
   const Finished finished = std::exchange(finished_, nullptr);
+  if (options_.multipage) return writeMultipage(finished);
   finished(report_.anyFailed() ? 1 : 0);
 }

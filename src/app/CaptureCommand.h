@@ -35,7 +35,7 @@ class CaptureCommand {
 
   Result<Page> pageOfSource(const QString& source) const;
   void processForMultipage(const std::shared_ptr<Job>& job);
-  void writeMultipage();
+  void writeMultipage(const Finished& finished);
   Result<std::optional<QUrl>> preparePlace(CVDefaultPreferences& settings);
   void applyTo(CVDefaultPreferences& settings) const;
   std::optional<QString> resultFile(const CVURLEntry& entry) const;

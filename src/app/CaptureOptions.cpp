@@ -126,7 +126,7 @@ void readFormat(Reader& reader, CaptureOptions& options) {
   reader.choice("mode", CVPreferences::getConversionModes(), options.mode);
   if (reader.flag("format") || !options.output) return;
   // A file name says what is wanted as well as --format does.
-  const QString extension = QFileInfo(*options.output).suffix();
+  const QString extension = QFileInfo(*options.output).suffix().toLower();
   for (const QString& format : formats) {
     if (CVPreferences::getExtensionForConversionFormat(format) == extension)
       options.format = format;
@@ -256,7 +256,8 @@ QString CaptureOptions::help() {
     text += name.leftJustified(26) + QString::fromLatin1(option.description) + u'\n';
   }
   text +=
-      u"  -h, --help              This text.\n\n"
+      u"  -h, --help              This text.\n"
+      "      --version           The version of the program.\n\n"
       "Exit status: 0 all pages done, 1 some failed, 2 wrong usage.\n"_s;
   return text;
 }

@@ -25,7 +25,7 @@ int fail(const QString& reason) {
 
 }  // namespace
 
-int runWindowCommand(int& argc, char** argv, const QStringList& requests) {
+int runWindowCommand(int& argc, char** argv, const QStringList& requests, const QString& action) {
   if (!hasDisplay()) return fail(u"There is no display to open a window on."_s);
   installDiagnostics(Verbosity::Verbose);
   QGuiApplication::setDesktopFileName(QString::fromUtf16(desktop::applicationIdentifier));
@@ -36,6 +36,6 @@ int runWindowCommand(int& argc, char** argv, const QStringList& requests) {
   const auto first = program.becomeTheInstance(requests);
   if (!first) return fail(first.error().localizedDescription);
   if (!*first) return 0;
-  program.open(requests);
+  program.open(requests, action);
   return QApplication::exec();
 }

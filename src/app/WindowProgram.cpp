@@ -87,16 +87,17 @@ Result<bool> WindowProgram::becomeTheInstance(const QStringList& requests) {
   return true;
 }
 
-void WindowProgram::open(const QStringList& requests) {
+void WindowProgram::open(const QStringList& requests, const QString& action) {
   table_ = CVEntryTableController::create(
       {desktop::Notifications::create(fileManager_, sounds_), sounds_});
   delegate_->setTableViewController(table_);
   delegate_->applicationWillFinishLaunching();
   makeWindow();
   delegate_->open(requests, {});
-  QTimer::singleShot(0, window_.get(), [this] {
+  QTimer::singleShot(0, window_.get(), [this, action] {
     delegate_->doFinishApplicationLaunch();
     CVObjectRepository::singleton().getPreferences()->setDropboxLinkedProvider(isDropboxLinked);
+    if (!action.isEmpty()) delegate_->activateAction(action, {}, {});
   });
 }
 

@@ -32,7 +32,7 @@ class WindowProgram : private desktop::ApplicationReceiver {
   Result<bool> becomeTheInstance(const QStringList& requests);
 
   /// Opens the main window and handles the requests.
-  void open(const QStringList& requests);
+  void open(const QStringList& requests, const QString& action = {});
 
  private:
   void activate(const QVariantMap& platformData) override;

@@ -43,9 +43,14 @@ int complain(const QString& problem, int status) {
 
 int runCapture(int& argc, char** argv, const CaptureOptions& options) {
   // Nothing is shown, so no display is needed.
+  const auto platform = qEnvironmentVariableIsSet("QT_QPA_PLATFORM")
+                            ? std::optional(qgetenv("QT_QPA_PLATFORM"))
+                            : std::nullopt;
   qputenv("QT_QPA_PLATFORM", "offscreen");
   installDiagnostics(options.verbosity);
   QGuiApplication application(argc, argv);
+  // Programs that the result is handed to do show themselves.
+  platform ? qputenv("QT_QPA_PLATFORM", *platform) : qunsetenv("QT_QPA_PLATFORM");
   dispatch::initialize();
   const auto engine = web::Engine::shared();
   engine->warmUp();
@@ -67,7 +72,10 @@ int runCapture(int& argc, char** argv, const CaptureOptions& options) {
   return status;
 }
 
+int printVersion();
+
 int capture(int& argc, char** argv, const QStringList& arguments) {
+  if (arguments.contains(u"--version"_s)) return printVersion();
   const auto parsed = CaptureOptions::parse(arguments);
   if (!parsed) return complain(parsed.error().localizedDescription, usageStatus);
   if (!parsed->helpWanted) return runCapture(argc, argv, parsed->options);
@@ -93,7 +101,7 @@ int runAction(int& argc, char** argv, const QString& name) {
   const auto outcome = desktop::handOverAction(name, {}, desktop::OnDemand::Start);
   if (!outcome) return complain(outcome.error().localizedDescription, failureStatus);
   if (*outcome == desktop::HandOver::HandedOver) return 0;
-  return runWindowCommand(argc, argv, {});
+  return runWindowCommand(argc, argv, {}, name);
 }
 
 int printHelp() {

@@ -30,7 +30,7 @@ constexpr std::int64_t firstMinorVersionWithSnapshots = 13;
 void CVURLEntry::prepareWithCompletion(Completion completion) {
   loadError_.reset();
   setState(CVEntryStateDownloading);
-  completion_ = std::move(completion);
+  prepareCompletion_ = std::move(completion);
   dropViews();
   createViews(layoutWidth());
   setCurrentURL(initialURL());
@@ -120,9 +120,10 @@ void CVURLEntry::failLoad(const Error& error) {
   setError(record);
   setState(CVEntryStateDownloaded);
   stopObservingLoading();
-  if (const Completion completion = completion_) completion(self(), error);
+  endStep(prepareCompletion_, error);
   setCompletionFactor(1.0);
   loadError_ = error;
+  endStep(processWhenLoaded_, error);
 }
 
 void CVURLEntry::completeLoad() {
@@ -139,7 +140,8 @@ void CVURLEntry::completeLoad() {
   setWebViewRealHeight();
   setCompletionFactor(1.0);
   setState(CVEntryStateDownloaded);
-  if (const Completion completion = completion_) completion(self(), std::nullopt);
+  endStep(prepareCompletion_, std::nullopt);
+  if (processWhenLoaded_) startProcessing(std::exchange(processWhenLoaded_, nullptr));
 }
 
 void CVURLEntry::stopObservingLoading() {
@@ -162,9 +164,13 @@ void CVURLEntry::renderThumbnail() {
   const bool snapshots = utils()->getOSXVersion().minorVersion() >= firstMinorVersionWithSnapshots;
   if (!snapshots) return renderImageFromWebView(storeImage);
   wkWebView_->evaluateJavaScript(
-      u"window.scrollTo(0, 768)"_s, [entry = self(), storeImage](const Result<QJsonValue>&) {
+      u"window.scrollTo(0, 768)"_s,
+      [entry = self(), storeImage, loaded = page()](const Result<QJsonValue>&) {
+        // The page may have been loaded anew meanwhile.
+        if (entry->page() != loaded) return;
         entry->renderImageFromWKWebView(
-            [entry, storeImage](std::shared_ptr<const imaging::Image> image) {
+            [entry, storeImage, loaded](std::shared_ptr<const imaging::Image> image) {
+              if (entry->page() != loaded) return;
               storeImage(std::move(image));
               entry->setWKWebViewRealHeight();
               entry->workAhead();

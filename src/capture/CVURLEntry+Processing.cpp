@@ -49,26 +49,38 @@ void CVURLEntry::processWithCompletion(Completion completion) {
   });
 }
 
+/// A block that begins another step of the entry sets the field anew.
+void CVURLEntry::endStep(Completion& completion, const MaybeError& error) {
+  if (const Completion ended = std::exchange(completion, nullptr)) ended(self(), error);
+}
+
 void CVURLEntry::startProcessing(Completion completion) {
+  const bool loads = cancelSource_ != nullptr;
+  if (loads) {
+    processWhenLoaded_ = std::move(completion);
+    return;
+  }
   if (webView_) webView_->stopLoading();
   if (wkWebView_) wkWebView_->stopLoading();
-  completion_ = std::move(completion);
+  processCompletion_ = std::move(completion);
   setCompletionFactor(-1.0);
-  {
-    std::lock_guard lock(resultMutex_);
-    preferences_ = applicationSettings()->copyWithZone();
-  }
+  const std::shared_ptr<CVPreferences> snapshot = applicationSettings()->copyWithZone();
+  usePreferences(snapshot);
   const bool nobodyToAsk = !services_.savePanel;
   if (applicationSettings()->processAutomatically() || nobodyToAsk) {
-    startAutomatically();
+    startAutomatically(snapshot);
   } else {
-    startWithSavePanel();
+    startWithSavePanel(snapshot);
   }
 }
 
-void CVURLEntry::startAutomatically() {
-  dispatch::globalAsync(dispatch::Priority::High, [entry = self()] {
-    const auto preferences = entry->preferences_;
+void CVURLEntry::usePreferences(const std::shared_ptr<CVPreferences>& preferences) {
+  std::lock_guard lock(resultMutex_);
+  preferences_ = preferences;
+}
+
+void CVURLEntry::startAutomatically(const std::shared_ptr<CVPreferences>& preferences) {
+  dispatch::globalAsync(dispatch::Priority::High, [entry = self(), preferences] {
     const QUrl folder = applicationSettings()->downloadLocation().value_or(QUrl());
     preferences->setDownloadLocation(capture::resultInFolder(
         folder, entry->title().value_or(unknownTitle()), preferences->format()));
@@ -76,21 +88,25 @@ void CVURLEntry::startAutomatically() {
   });
 }
 
-void CVURLEntry::startWithSavePanel() {
-  services_.savePanel->beginSheet(
-      preferences_, title().value_or(unknownTitle()), applicationSettings()->downloadLocation(),
-      [entry = self()](const std::optional<QUrl>& chosen) { entry->savePanelEnded(chosen); });
+void CVURLEntry::startWithSavePanel(const std::shared_ptr<CVPreferences>& preferences) {
+  services_.savePanel->beginSheet(preferences, title().value_or(unknownTitle()),
+                                  applicationSettings()->downloadLocation(),
+                                  [entry = self(), preferences](const std::optional<QUrl>& chosen) {
+                                    entry->savePanelEnded(preferences, chosen);
+                                  });
 }
 
-void CVURLEntry::savePanelEnded(const std::optional<QUrl>& chosen) {
+void CVURLEntry::savePanelEnded(const std::shared_ptr<CVPreferences>& preferences,
+                                const std::optional<QUrl>& chosen) {
   if (!chosen) {
-    if (const Completion completion = completion_) completion(self(), std::nullopt);
+    endStep(processCompletion_, std::nullopt);
     return;
   }
-  preferences_->setDownloadLocation(
-      capture::withExtensionOfFormat(*chosen, preferences_->format()));
-  dispatch::globalAsync(dispatch::Priority::High, [entry = self()] {
-    entry->doProcessingWithPreferences(entry->preferences_);
+  preferences->setDownloadLocation(capture::withExtensionOfFormat(*chosen, preferences->format()));
+  // A document of the whole queue may have put its own in their place meanwhile.
+  usePreferences(preferences);
+  dispatch::globalAsync(dispatch::Priority::High, [entry = self(), preferences] {
+    entry->doProcessingWithPreferences(preferences);
   });
 }
 
@@ -242,7 +258,7 @@ void CVURLEntry::endProcessing(const MaybeError& error) {
     record->setErrorDescription(error->localizedDescription);
   }
   setState(CVEntryStateDone);
-  if (const Completion completion = completion_) completion(self(), error);
+  endStep(processCompletion_, error);
 }
 
 bool CVURLEntry::canBeRevealed() const {

@@ -122,10 +122,13 @@ class CVURLEntry : public CVEntry,
   void setWKWebViewRealHeight();
 
   // Processing (CVURLEntry+Processing.cpp)
+  void endStep(Completion& completion, const MaybeError& error);
   void startProcessing(Completion completion);
-  void startAutomatically();
-  void startWithSavePanel();
-  void savePanelEnded(const std::optional<QUrl>& chosen);
+  void usePreferences(const std::shared_ptr<CVPreferences>& preferences);
+  void startAutomatically(const std::shared_ptr<CVPreferences>& preferences);
+  void startWithSavePanel(const std::shared_ptr<CVPreferences>& preferences);
+  void savePanelEnded(const std::shared_ptr<CVPreferences>& preferences,
+                      const std::optional<QUrl>& chosen);
   void doProcessingWithPreferences(const std::shared_ptr<CVPreferences>& preferences);
   void executeProcessingWithPreferences(const std::shared_ptr<CVPreferences>& preferences);
   QUrl convert(const std::shared_ptr<CVPreferences>& preferences, MaybeError& error);
@@ -157,7 +160,11 @@ class CVURLEntry : public CVEntry,
   std::shared_ptr<web::WKWebView> wkWebView_;
   std::shared_ptr<const web::WKWebView::LoadingObserver> loadingObserver_;
   MaybeError loadError_;
-  Completion completion_;
+  /// What waits for the step that is under way; each is called once.
+  Completion prepareCompletion_;
+  Completion processCompletion_;
+  /// Processing that was asked for while the page still loads.
+  Completion processWhenLoaded_;
   std::shared_ptr<CVPreferences> preferences_;
   std::shared_ptr<CVPrintImageView> printImageView_;
   std::shared_ptr<CVPageView> pageView_;

@@ -22,13 +22,13 @@ namespace {
 const QString dropboxFolderPage = u"https://www.dropbox.com/home/Apps/Corvalis"_s;
 
 void logFailure(const QString& destination, const MaybeError& error) {
-  if (error)
-    logLine(
-        u"%1: the file was not handed over: %2"_s.arg(destination, error->localizedDescription));
+  if (!error) return;
+  logProblem(
+      u"%1: the file was not handed over: %2"_s.arg(destination, error->localizedDescription));
 }
 
 void logMissing(const QString& destination) {
-  logLine(u"%1: this run of the program has no way there."_s.arg(destination));
+  logProblem(u"%1: this run of the program has no way there."_s.arg(destination));
 }
 
 /// A machine with a script system is served by scripts alone: false where it has none.
@@ -72,7 +72,7 @@ void handOver(const QString& destination, const std::function<void(Completion)>&
 
 void upload(const std::shared_ptr<dropbox::ClientsManager>& manager, const QString& path) {
   const auto client = manager ? manager->authorizedClient() : nullptr;
-  if (!client) return logLine(u"DropBox: no account is linked."_s);
+  if (!client) return logProblem(u"DropBox: no account is linked."_s);
   const auto result =
       client->filesRoutes().uploadFileAndWait(u'/' + QFileInfo(path).fileName(), path);
   if (result)

@@ -1,4 +1,5 @@
 #include <QFile>
+#include <QSaveFile>
 #include <chrono>
 
 #include "intake/CVAppDelegate.h"
@@ -27,13 +28,15 @@ std::optional<QUrl> downloadLocation() {
 
 /// Replaces what is there by a copy, whole or not at all.
 void replaceByCopy(const QUrl& source, const QUrl& target) {
-  const QString part = target.toLocalFile() + u".part"_s;
-  QFile::remove(part);
-  const bool copied = QFile::copy(source.toLocalFile(), part);
-  if (copied) QFile::remove(target.toLocalFile());
-  if (copied && QFile::rename(part, target.toLocalFile())) return;
-  QFile::remove(part);
-  logLine(u"The multipage PDF could not be written"_s);
+  constexpr qint64 pieceSize = 1024 * 1024;
+  QFile from(source.toLocalFile());
+  QSaveFile to(target.toLocalFile());
+  bool complete = from.open(QIODevice::ReadOnly) && to.open(QIODevice::WriteOnly);
+  while (complete && !from.atEnd()) {
+    const QByteArray piece = from.read(pieceSize);
+    complete = !piece.isEmpty() && to.write(piece) == piece.size();
+  }
+  if (!complete || !to.commit()) logLine(u"The multipage PDF could not be written"_s);
 }
 
 }  // namespace

@@ -10,7 +10,7 @@ namespace {
 std::optional<QUrl> addressOf(const std::shared_ptr<browsers::FrontPage>& page) {
   const auto text = page ? page->address() : std::nullopt;
   if (!text || text->isEmpty()) return std::nullopt;
-  const QUrl url(*text, QUrl::StrictMode);
+  const QUrl url(*text);
   return url.isValid() ? std::optional(url) : std::nullopt;
 }
 

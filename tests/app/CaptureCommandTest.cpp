@@ -176,6 +176,16 @@ TEST_F(CaptureCommandTest, ManySourcesBecomeOneDocument) {
   EXPECT_TRUE(facts->hasOutline);
 }
 
+TEST_F(CaptureCommandTest, ADocumentOfNothingButMissingPagesFailsInWords) {
+  QStringList arguments{u"--multipage"_s, u"none.pdf"_s};
+  for (int index = 0; index < 6; ++index)
+    arguments.append(u"missing%1.html"_s.arg(index));
+  const Outcome run = capture(arguments);
+  EXPECT_EQ(run.status, 1) << qPrintable(run.errors);
+  EXPECT_TRUE(run.errors.contains(u"missing5.html"_s));
+  EXPECT_FALSE(QFile::exists(folder.filePath(u"none.pdf"_s)));
+}
+
 /// The engine process that belongs to the program.
 qint64 engineOf(qint64 program) {
   for (const QString& name : QDir(u"/proc"_s).entryList(QDir::Dirs)) {

@@ -185,6 +185,56 @@ TEST_F(Processing, TheSavePanelDecidesPlaceAndFormat) {
   EXPECT_EQ(results(), QStringList{u"chosen.pdf.png"_s});
 }
 
+/// A panel that stays open until it is answered.
+class PatientPanel : public CVSavePanel {
+ public:
+  void beginSheet(const std::shared_ptr<CVPreferences>& preferences, const QString&,
+                  const std::optional<QUrl>&,
+                  std::function<void(std::optional<QUrl>)> completion) override {
+    preferences->setFormat(u"PNG"_s);
+    answer = std::move(completion);
+  }
+  std::function<void(std::optional<QUrl>)> answer;
+};
+
+TEST_F(Processing, APageThatIsLoadedAnewBehindItsPanelIsSavedOnce) {
+  settings->setProcessAutomatically(false);
+  const auto panel = std::make_shared<PatientPanel>();
+  services.savePanel = panel;
+  for (const std::optional<QUrl>& chosen :
+       {std::optional(QUrl::fromLocalFile(result(u"late.png"_s))), std::optional<QUrl>()}) {
+    const auto entry = prepared(twoBands);
+    std::atomic<int> ended = 0;
+    entry->processWithCompletion([&](const auto&, const MaybeError& error) {
+      EXPECT_FALSE(error) << error->localizedDescription.toStdString();
+      ++ended;
+    });
+    ASSERT_TRUE(support::waitFor([&] { return panel->answer != nullptr; }));
+    ASSERT_FALSE(prepare(entry));
+    std::exchange(panel->answer, nullptr)(chosen);
+    EXPECT_TRUE(support::waitFor([&] { return ended > 0; }));
+    EXPECT_EQ(ended, 1);
+    EXPECT_EQ(results(), QStringList{u"late.png"_s});
+  }
+}
+
+TEST_F(Processing, WhatIsAskedForWhileThePageLoadsBeginsAfterwards) {
+  const auto entry = entryFor(page(twoBands));
+  std::atomic<int> loaded = 0, converted = 0;
+  entry->prepareWithCompletion([&](const auto&, const MaybeError& error) {
+    EXPECT_FALSE(error);
+    ++loaded;
+  });
+  entry->processWithCompletion([&](const auto&, const MaybeError& error) {
+    EXPECT_FALSE(error);
+    EXPECT_EQ(loaded, 1);
+    ++converted;
+  });
+  EXPECT_TRUE(support::waitFor([&] { return converted > 0; }));
+  EXPECT_EQ(converted, 1);
+  EXPECT_EQ(results().size(), 1);
+}
+
 TEST_F(Processing, ACancelledPanelChangesNothingButTheFactor) {
   settings->setProcessAutomatically(false);
   services.savePanel = std::make_shared<AnsweringPanel>(std::nullopt);

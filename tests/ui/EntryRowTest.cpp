@@ -156,6 +156,7 @@ TEST_F(EntryRow, anEditedTitleReachesTheEntryAndEscapeTakesItBack) {
   QTest::keyClicks(&field, u"New"_s);
   QTest::keyClick(&field, Qt::Key_Return);
   EXPECT_EQ(entry->title(), u"New"_s);
+  EXPECT_EQ(entry->processed, 0) << "the key ends the editing, no more";
   field.setFocus();
   QTest::keyClicks(&field, u"er"_s);
   QTest::keyClick(&field, Qt::Key_Escape);

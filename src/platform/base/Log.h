@@ -8,3 +8,6 @@ Q_DECLARE_LOGGING_CATEGORY(corvalisLog)
 
 /// Writes one line, as it is.
 void logLine(const QString& line);
+
+/// The same for what went wrong and is told nowhere else: the command line shows it too.
+void logProblem(const QString& line);

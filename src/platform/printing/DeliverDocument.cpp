@@ -1,7 +1,9 @@
 #include <QFile>
 #include <QSaveFile>
+#include <algorithm>
 #include <array>
 
+#include "platform/pdf/PDFDocument.h"
 #include "platform/printing/PrintService.h"
 
 namespace printing {
@@ -30,6 +32,21 @@ MaybeError copyDocument(const QString& from, const QString& to) {
   return std::nullopt;
 }
 
+/// The pages of the ranges, in the document's order.
+MaybeError writePages(const QString& from, const QList<PageRange>& ranges, const QString& to) {
+  const auto source = pdf::PDFDocument::open(from);
+  if (!source) return source.error();
+  const auto chosen = pdf::PDFDocument::createEmpty();
+  for (int page = 1; page <= (*source)->pageCount(); ++page) {
+    const bool wanted = std::any_of(ranges.begin(), ranges.end(), [page](const PageRange& range) {
+      return range.first <= page && page <= range.last;
+    });
+    if (!wanted) continue;
+    if (auto error = chosen->insertPageFrom(**source, page - 1, chosen->pageCount())) return error;
+  }
+  return chosen->writeToFile(to);
+}
+
 }  // namespace
 
 Error makeError(ErrorCode code, const QString& description) {
@@ -39,8 +56,10 @@ Error makeError(ErrorCode code, const QString& description) {
 Result<int> deliverDocument(PrintService& service, const QString& path,
                             const PrintSettings& settings) {
   if (!settings.outputFile) return service.submitDocument(path, settings);
-  if (const MaybeError error = copyDocument(path, *settings.outputFile))
-    return tl::unexpected(*error);
+  const MaybeError error = settings.pageRanges.isEmpty()
+                               ? copyDocument(path, *settings.outputFile)
+                               : writePages(path, settings.pageRanges, *settings.outputFile);
+  if (error) return tl::unexpected(*error);
   return 0;
 }
 

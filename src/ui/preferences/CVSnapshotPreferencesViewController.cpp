@@ -231,6 +231,9 @@ void CVSnapshotPreferencesViewController::setupPaginationOn() {
   const Font font = preferences_->headerAndFooterFont().value_or(Font{});
   layout_->headersAndFootersFontButton->setText(
       u"%1, %2 pt"_s.arg(font.name, QString::number(font.pointSize, 'f', 0)));
+  QFont small = layout_->headersAndFootersFontButton->font();
+  small.setPointSize(10);
+  layout_->headersAndFootersFontButton->setFont(small);
   const QString notes = preferences_->notes().value_or(QString());
   if (layout_->notesTextView->toPlainText() != notes) layout_->notesTextView->setPlainText(notes);
   placePaginationSettings(true);

@@ -139,7 +139,12 @@ void CVEntryTableController::clearCompleted() {
 }
 
 void CVEntryTableController::updateTheme() {
-  for (const Row& row : entryControllers_)
+  std::vector<Row> rows;
+  {
+    std::lock_guard lock(mutex_);
+    rows.assign(entryControllers_.begin(), entryControllers_.end());
+  }
+  for (const Row& row : rows)
     row->updateTheme();
 }
 

@@ -124,7 +124,7 @@ void EntryRowView::show(const EntryAppearance& appearance, const QString& title,
   appearance_ = appearance;
   TitleField& field = *layout_->titleTextField;
   if (field.text() != title && !field.isModified()) field.setText(title);
-  field.setCursorPosition(0);
+  if (!field.hasFocus()) field.setCursorPosition(0);
   field.setReadOnly(!titleEditable);
   field.setFocusPolicy(titleEditable ? Qt::StrongFocus : Qt::NoFocus);
   field.setPlaceholderText(QUrl(appearance.address.value_or(QString())).host());

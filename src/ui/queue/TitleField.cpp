@@ -27,6 +27,9 @@ void TitleField::keyPressEvent(QKeyEvent* event) {
     return;
   }
   QLineEdit::keyPressEvent(event);
+  // The row would take it for its own: to begin its conversion.
+  const bool ends = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+  if (ends) event->accept();
 }
 
 void TitleField::paintEvent(QPaintEvent* event) {

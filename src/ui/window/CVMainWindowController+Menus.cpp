@@ -1,8 +1,10 @@
 #include <QFileDialog>
 #include <QMenuBar>
 
+#include "delivery/CVUtils.h"
 #include "intake/CVAppDelegate.h"
 #include "platform/dispatch/Dispatch.h"
+#include "settings/CVObjectRepository.h"
 #include "ui/window/CVMainWindowController.h"
 #include "ui/window/HelpWindow.h"
 #include "ui/window/QueueActions.h"
@@ -34,8 +36,12 @@ void CVMainWindowController::createCaptureMenu() {
   });
   menu->addAction(tr("&Open Files…"), QKeySequence::Open, this, &CVMainWindowController::openFiles);
   menu->addSeparator();
-  menu->addAction(tr("From &Safari"), QKeySequence(u"Ctrl+Shift+S"_s), this,
-                  &CVMainWindowController::captureFromSafari);
+  QAction* safari = menu->addAction(tr("From &Safari"), QKeySequence(u"Ctrl+Shift+S"_s), this,
+                                    &CVMainWindowController::captureFromSafari);
+  connect(menu, &QMenu::aboutToShow, safari, [safari] {
+    const auto utils = CVObjectRepository::singleton().getUtils();
+    safari->setEnabled(utils && utils->applicationIsRunning(u"com.apple.Safari"_s));
+  });
   menu->addAction(tr("From &Chrome"), QKeySequence(u"Ctrl+Shift+C"_s), this,
                   &CVMainWindowController::captureFromChrome);
   menu->addAction(tr("&Mini Browser"), QKeySequence(u"Ctrl+L"_s), this, [this] {

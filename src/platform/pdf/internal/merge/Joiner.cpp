@@ -83,7 +83,8 @@ void Joiner::copyAttributes(const SourceFile& document, ObjectCopier& copier) {
   for (const char* key :
        {"/Metadata", "/Lang", "/ViewerPreferences", "/PageLayout", "/PageMode", "/OpenAction"}) {
     const Value& value = document.root()[key];
-    if (!document.resolved(value).isNull())
+    const bool isScript = document.resolved(value)["/S"].isName("/JavaScript");
+    if (!document.resolved(value).isNull() && !isScript)
       attributes_ += std::string(key) + ' ' + copier.copy(value);
   }
   const Value& information = document.resolved(document.trailer()["/Info"]);
