@@ -5,6 +5,7 @@
 #include <cmath>
 
 #include "platform/imaging/AddressMark.h"
+#include "platform/imaging/GifWriter.h"
 #include "platform/imaging/ImagingError.h"
 #include "platform/imaging/PartFile.h"
 #include "platform/imaging/VipsFileTarget.h"
@@ -22,6 +23,10 @@ Error unreadable(const VipsLibrary& vips) {
   return imagingError(
       ImagingError::CannotRead,
       u"The picture is damaged or of an unknown kind (%1)."_s.arg(vips.takeError()));
+}
+
+Error changedWhileRead() {
+  return imagingError(ImagingError::CannotRead, u"The picture changed while it was read."_s);
 }
 
 Result<Picture> open(const VipsLibrary& vips, const PictureSource& from) {
@@ -102,8 +107,6 @@ QByteArray encoderText(BitmapFileType type, float compression, const VipsImage* 
       // would take more bytes than the exact picture.
       if (factor >= 1) return ".jp2[lossless=true]";
       return ".jp2[Q=%1]"_ba.replace("%1", QByteArray::number(std::lround(32 + 16 * factor)));
-    case BitmapFileType::GIF:
-      return ".gif[dither=1.0,effort=4,bitdepth=8]";
     default: {
       // Plain TIFF counts its bytes in 32 bits, and packed rows may turn out larger than they were.
       const bool large = qint64(picture->Xsize) * picture->Ysize * 3 > 2'000'000'000;
@@ -131,12 +134,11 @@ MaybeError encode(const VipsLibrary& vips, VipsImage* picture, const QString& ta
   return (*file)->commit();
 }
 
-/// For the formats that have a writer of our own.
-MaybeError writeRows(const VipsLibrary& vips, VipsImage* picture, const QString& targetPath,
-                     BitmapFileType type, const PictureOptions& options) {
+/// Gives all rows to `take`, some at a time as QImage::Format_RGB888, until it says that something
+/// is wrong.
+template <class Take>
+MaybeError forEachRows(const VipsLibrary& vips, VipsImage* picture, Take take) {
   const QSize pixels(picture->Xsize, picture->Ysize);
-  auto writer = PictureWriter::create(targetPath, pixels, type, options);
-  if (!writer) return writer.error();
   const VipsOwned<VipsRegion> region(vips.vips_region_new(picture));
   constexpr int rowsAtOnce = 128;
   for (int row = 0; row < pixels.height(); row += rowsAtOnce) {
@@ -144,9 +146,40 @@ MaybeError writeRows(const VipsLibrary& vips, VipsImage* picture, const QString&
     if (!region || vips.vips_region_prepare(region.get(), &place) != 0) return unreadable(vips);
     const uchar* first = region->data + qptrdiff(row - region->valid.top) * region->bpl;
     const QImage rows(first, pixels.width(), place.height, region->bpl, QImage::Format_RGB888);
-    if (auto error = (*writer)->append(rows)) return error;
+    if (MaybeError error = take(rows)) return error;
   }
+  return {};
+}
+
+/// For the formats that have a writer of our own.
+MaybeError writeRows(const VipsLibrary& vips, VipsImage* picture, const QString& targetPath,
+                     BitmapFileType type, const PictureOptions& options) {
+  auto writer = PictureWriter::create(targetPath, {picture->Xsize, picture->Ysize}, type, options);
+  if (!writer) return writer.error();
+  const auto append = [&](const QImage& rows) { return (*writer)->append(rows); };
+  if (auto error = forEachRows(vips, picture, append)) return error;
   return (*writer)->finish();
+}
+
+/// Rows can be read once from a picture, so the second time they come from another one.
+MaybeError writeGif(const VipsLibrary& vips, Picture picture, const PictureSource& source,
+                    const QString& targetPath, const QByteArray& address) {
+  const QSize pixels(picture->Xsize, picture->Ysize);
+  auto writer = GifWriter::create(targetPath, pixels);
+  if (!writer) return writer.error();
+  const auto count = [&](const QImage& rows) {
+    (*writer)->count(rows);
+    return MaybeError();
+  };
+  if (auto error = forEachRows(vips, picture.get(), count)) return error;
+  picture.reset();
+  auto again = open(vips, source);
+  if (!again) return again.error();
+  if (!toPlainPixels(vips, *again)) return unreadable(vips);
+  if (QSize((*again)->Xsize, (*again)->Ysize) != pixels) return changedWhileRead();
+  const auto append = [&](const QImage& rows) { return (*writer)->append(rows); };
+  if (auto error = forEachRows(vips, again->get(), append)) return error;
+  return (*writer)->finish(address);
 }
 
 /// The library keeps a little memory for each thread that has called it.
@@ -175,6 +208,9 @@ MaybeError encodePicture(const PictureSource& source, const QString& targetPath,
     return writeRows(vips, picture->get(), targetPath, type, options);
   }
   const QByteArray address = addressToKeep(metadata);
+  if (type == BitmapFileType::GIF) {
+    return writeGif(vips, std::move(*picture), source, targetPath, address);
+  }
   describe(vips, picture->get(), format.addressPlace, address);
   return encode(vips, picture->get(), targetPath, format, compression, address);
 }

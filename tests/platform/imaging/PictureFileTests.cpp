@@ -69,7 +69,8 @@ TEST_F(PictureFile, laysTransparencyOnWhite) {
   QImage glass(64, 64, QImage::Format_ARGB32);
   glass.fill(qRgba(255, 0, 0, 128));
   ASSERT_TRUE(glass.save(path(u"glass.png"_s)));
-  for (const auto type : {BitmapFileType::TIFF, BitmapFileType::BMP, BitmapFileType::JPEG}) {
+  for (const auto type :
+       {BitmapFileType::TIFF, BitmapFileType::BMP, BitmapFileType::GIF, BitmapFileType::JPEG}) {
     ASSERT_FALSE(convertPicture(path(u"glass.png"_s), path(u"converted"_s), type, 1));
     ASSERT_FALSE(writePicture(path(u"written"_s), glass, type));
     for (const QString& name : {u"converted"_s, u"written"_s}) {
@@ -98,12 +99,47 @@ TEST_F(PictureFile, growsWithTheCompressionFactorWhereTheFormatUsesOne) {
   }
 }
 
-TEST_F(PictureFile, aGifOfManyColoursIsDitheredNotBanded) {
+/// 65,536 colours.
+QImage shades() {
   QImage sky(256, 256, QImage::Format_RGB32);
   for (int y = 0; y < 256; ++y) {
     for (int x = 0; x < 256; ++x)
       sky.setPixel(x, y, qRgb(x, y, 255 - (x + y) / 2));
   }
+  return sky;
+}
+
+TEST_F(PictureFile, aGifKeepsUpTo256ColoursWhereverTheyAre) {
+  for (const int colours : {1, 2, 3, 129, 256}) {
+    QImage picture(67, 31, QImage::Format_RGB32);
+    for (int pixel = 0; pixel < 67 * 31; ++pixel) {
+      const int number = pixel * 89 % colours;
+      picture.setPixel(pixel % 67, pixel / 67, qRgb(number, 255 - number, number / 2));
+    }
+    ASSERT_FALSE(writePicture(path(u"few.gif"_s), picture, BitmapFileType::GIF));
+    EXPECT_EQ(difference(decoded(path(u"few.gif"_s)), picture).largest, 0) << colours;
+  }
+}
+
+TEST_F(PictureFile, aGifKeepsEvenGroundsEvenAmongShades) {
+  QImage page = shades();
+  // The first two are as close as can be, and shades border on all of them.
+  const std::pair<QRect, QRgb> grounds[] = {{{10, 20, 60, 40}, qRgb(254, 254, 254)},
+                                            {{70, 20, 60, 40}, qRgb(255, 255, 255)},
+                                            {{30, 100, 200, 9}, qRgb(10, 124, 255)},
+                                            {{90, 180, 12, 12}, qRgb(45, 164, 78)}};
+  for (const auto& [place, colour] : grounds) {
+    for (int y = place.top(); y <= place.bottom(); ++y)
+      std::fill_n(reinterpret_cast<QRgb*>(page.scanLine(y)) + place.left(), place.width(), colour);
+  }
+  ASSERT_FALSE(writePicture(path(u"page.gif"_s), page, BitmapFileType::GIF));
+  const QImage shown = decoded(path(u"page.gif"_s));
+  for (const auto& [place, colour] : grounds)
+    EXPECT_EQ(difference(shown.copy(place), page.copy(place)).largest, 0) << colour;
+}
+
+TEST_F(PictureFile, aGifOfManyColoursIsDitheredNotBanded) {
+  const QImage sky = shades();
   ASSERT_FALSE(writePicture(path(u"sky.gif"_s), sky, BitmapFileType::GIF));
   const QImage shown = decoded(path(u"sky.gif"_s));
   // From afar a dithered picture has the colours of the original; a banded one is off by half a
@@ -113,6 +149,8 @@ TEST_F(PictureFile, aGifOfManyColoursIsDitheredNotBanded) {
   };
   EXPECT_LT(difference(fromAfar(shown), fromAfar(sky)).mean, 1.5);
   EXPECT_GT(difference(shown, sky).mean, 1) << "256 colours cannot be exact";
+  // A speck of a foreign colour would be seen.
+  EXPECT_LT(difference(shown, sky).largest, 64);
 }
 
 TEST_F(PictureFile, aPngBecomesAPngByteForByteButForItsAddress) {
