@@ -3,6 +3,7 @@
 #include <QFile>
 #include <cstdio>
 
+#include "app/ActivationToken.h"
 #include "intake/RequestInput.h"
 #include "platform/desktop/ApplicationService.h"
 
@@ -35,7 +36,8 @@ Result<QStringList> readRequests(const QStringList& arguments) {
 }
 
 Result<bool> handOver(const QStringList& requests) {
-  const auto outcome = desktop::handOver(requests, {}, desktop::OnDemand::Start);
+  const auto outcome =
+      desktop::handOver(requests, ActivationToken::ofThisStart(), desktop::OnDemand::Start);
   if (!outcome) return tl::unexpected(outcome.error());
   return *outcome == desktop::HandOver::HandedOver;
 }

@@ -3,6 +3,7 @@
 #include <QStandardPaths>
 #include <QTimer>
 
+#include "app/ActivationToken.h"
 #include "app/DropboxRedirects.h"
 #include "app/GeneralPasteboard.h"
 #include "app/PlatformServices.h"
@@ -78,7 +79,7 @@ WindowProgram::~WindowProgram() {
 }
 
 Result<bool> WindowProgram::becomeTheInstance(const QStringList& requests) {
-  auto service = desktop::claimOrHandOver(requests, *this);
+  auto service = desktop::claimOrHandOver(requests, *this, ActivationToken::ofThisStart());
   if (!service) return tl::unexpected(service.error());
   service_ = std::move(*service);
   if (!service_) return false;
@@ -149,14 +150,17 @@ CVAppDelegate::Services WindowProgram::delegateServices() const {
 }
 
 void WindowProgram::activate(const QVariantMap& platformData) {
+  ActivationToken::take(platformData);
   delegate_->activate(platformData);
 }
 
 void WindowProgram::open(const QStringList& addresses, const QVariantMap& platformData) {
+  ActivationToken::take(platformData);
   delegate_->open(addresses, platformData);
 }
 
 void WindowProgram::activateAction(const QString& name, const QVariantList& parameters,
                                    const QVariantMap& platformData) {
+  ActivationToken::take(platformData);
   delegate_->activateAction(name, parameters, platformData);
 }

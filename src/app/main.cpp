@@ -1,6 +1,7 @@
 #include <QGuiApplication>
 #include <cstdio>
 
+#include "app/ActivationToken.h"
 #include "app/CaptureCommand.h"
 #include "app/Diagnostics.h"
 #include "app/IntegrateCommand.h"
@@ -98,7 +99,8 @@ int open(int& argc, char** argv, const QStringList& arguments) {
 
 /// One of the desktop entry's actions: for the running window, or for one that opens first.
 int runAction(int& argc, char** argv, const QString& name) {
-  const auto outcome = desktop::handOverAction(name, {}, desktop::OnDemand::Start);
+  const auto outcome =
+      desktop::handOverAction(name, ActivationToken::ofThisStart(), desktop::OnDemand::Start);
   if (!outcome) return complain(outcome.error().localizedDescription, failureStatus);
   if (*outcome == desktop::HandOver::HandedOver) return 0;
   return runWindowCommand(argc, argv, {}, name);
