@@ -1,6 +1,7 @@
 #include "platform/dispatch/Dispatch.h"
 
 #include <QCoreApplication>
+#include <QEvent>
 #include <QObject>
 #include <QRunnable>
 #include <QThread>
@@ -92,6 +93,9 @@ void finish() {
     std::lock_guard lock(mainQueue().mutex);
     receiver = std::move(mainQueue().receiver);
   }
+  receiver.reset();
+  // Timers of the work that was dropped: no event loop comes any more that would delete them.
+  QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
 }
 
 bool isMainThread() {

@@ -41,7 +41,7 @@ class Joiner {
   std::vector<int> pages_;
   NameTexts destinations_;
   NameTexts attachments_;
-  std::vector<Heading> headings_;
+  std::vector<DocumentHeading> headings_;
   Tags tags_;
   Layers layers_;
   std::string pageLabels_;  ///< page index and label in turn

@@ -45,10 +45,10 @@ class OutlineWalk {
 
 }  // namespace
 
-Heading outlineHeading(CompactFile& target, const SourceFile& source, ObjectCopier& copier,
-                       const std::string& title, int page) {
-  Heading heading{target.reserve(),
-                  "/Title" + title + "/Dest[" + referenceText(page) + "/XYZ null null null]"};
+DocumentHeading outlineHeading(CompactFile& target, const SourceFile& source, ObjectCopier& copier,
+                               const std::string& title, int page) {
+  DocumentHeading heading{
+      target.reserve(), "/Title" + title + "/Dest[" + referenceText(page) + "/XYZ null null null]"};
   const Value& reference = source.root()["/Outlines"];
   const Value& outline = source.resolved(reference);
   if (!outline.isDictionary() || !reference.isReference()) return heading;
@@ -60,7 +60,7 @@ Heading outlineHeading(CompactFile& target, const SourceFile& source, ObjectCopi
   return heading;
 }
 
-int writeOutline(CompactFile& target, const std::vector<Heading>& headings) {
+int writeOutline(CompactFile& target, const std::vector<DocumentHeading>& headings) {
   const int outline = target.reserve();
   for (size_t index = 0; index < headings.size(); ++index) {
     std::string text = "<<" + headings[index].entries + "/Parent " + referenceText(outline);
