@@ -108,7 +108,10 @@ void WindowProgram::makeWindow() {
   services.table = table_;
   services.sounds = sounds_;
   services.looks = desktop::ColorSchemePreference::create();
-  services.dropboxAccount = dropboxAccount(desktop::BrowserOpener::create());
+  services.browser = desktop::BrowserOpener::create();
+  services.dropboxAccount = dropboxAccount(services.browser);
+  services.feedbackPage = QUrl(QStringLiteral(CORVALIS_FEEDBACK_PAGE));
+  services.homePage = QUrl(QStringLiteral(CORVALIS_HOME_PAGE));
   services.showMiniBrowser = [this] { showMiniBrowser(); };
   window_ = std::make_unique<CVMainWindowController>(services);
   savePanel_->setMainWindow(window_.get());

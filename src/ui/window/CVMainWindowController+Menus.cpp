@@ -3,6 +3,7 @@
 
 #include "delivery/CVUtils.h"
 #include "intake/CVAppDelegate.h"
+#include "platform/desktop/BrowserOpener.h"
 #include "platform/dispatch/Dispatch.h"
 #include "settings/CVObjectRepository.h"
 #include "ui/window/CVMainWindowController.h"
@@ -99,6 +100,20 @@ void CVMainWindowController::createHelpMenu() {
   QMenu* menu = menuBar()->addMenu(tr("&Help"));
   menu->addAction(tr("Corvalis &Help"), QKeySequence::HelpContents, this,
                   &CVMainWindowController::onShowHelp);
+  if (!services_.feedbackPage.isEmpty()) {
+    menu->addAction(tr("Send &Feedback"), this, &CVMainWindowController::onFeedback);
+  }
+  if (!services_.homePage.isEmpty()) {
+    menu->addAction(tr("&Maplebrook on the Web"), this, &CVMainWindowController::onMaplebrook);
+  }
+}
+
+void CVMainWindowController::onFeedback() {
+  if (services_.browser) services_.browser->open(services_.feedbackPage);
+}
+
+void CVMainWindowController::onMaplebrook() {
+  if (services_.browser) services_.browser->open(services_.homePage);
 }
 
 void CVMainWindowController::onShowHelp() {

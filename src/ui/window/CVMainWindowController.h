@@ -2,6 +2,7 @@
 
 #include <QMainWindow>
 #include <QPointer>
+#include <QUrl>
 #include <functional>
 #include <memory>
 
@@ -25,6 +26,9 @@ class ColorSchemePreference;
 class SoundPlayer;
 }  // namespace desktop
 
+namespace desktop {
+class BrowserOpener;
+}
 namespace ui {
 struct Theme;
 }  // namespace ui
@@ -45,6 +49,10 @@ class CVMainWindowController : public QMainWindow, public CVMainWindow {
     std::shared_ptr<desktop::ColorSchemePreference> looks;
     CVDropBoxPreferencesViewController::Account dropboxAccount;
     std::function<void()> showMiniBrowser;
+    /// For the maker's pages. An address that this build does not know has no menu entry.
+    std::shared_ptr<desktop::BrowserOpener> browser;
+    QUrl feedbackPage;
+    QUrl homePage;
   };
 
   explicit CVMainWindowController(Services services);
@@ -76,6 +84,8 @@ class CVMainWindowController : public QMainWindow, public CVMainWindow {
 
   void onShowPreferences();
   void onShowHelp();
+  void onFeedback();
+  void onMaplebrook();
   void onAdd();
   void onBatch();
   void showWarnings();
