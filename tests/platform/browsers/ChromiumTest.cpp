@@ -41,7 +41,7 @@ TEST(RunningChromium, GivesThePageThatItShows) {
   const QString frames = u"iframe::"_s + frame + u"iframe::iframe::"_s;
   std::optional<QString> address;
   PageTexts texts;
-  // The page and its frames come in after the endpoint is up.
+  // The page, its frames and its script come in after the endpoint is up.
   EXPECT_TRUE(support::waitFor([&] {
     auto work = std::async(std::launch::async, [&] {
       address = front.address();
@@ -50,7 +50,8 @@ TEST(RunningChromium, GivesThePageThatItShows) {
     EXPECT_TRUE(support::waitFor(
         [&] { return work.wait_for(std::chrono::seconds(0)) == std::future_status::ready; },
         std::chrono::minutes(2)));
-    return texts.frames == frames;
+    const bool ran = texts.document && texts.document->contains(u"made by a script"_s);
+    return ran && texts.frames == frames;
   }));
   ASSERT_TRUE(texts.document);
   EXPECT_EQ(address, server.url(u"/page"_s).toString());
