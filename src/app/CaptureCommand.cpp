@@ -20,7 +20,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-/// One page is converted while the next ones load.
+/// While pages are converted, the next ones load.
 constexpr int pagesAtOnce = 6;
 
 tl::unexpected<Error> sourceError(const QString& text) {

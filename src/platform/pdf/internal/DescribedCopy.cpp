@@ -35,7 +35,7 @@ class Copy {
     file_.writeStream(packet, "<</Type/Metadata/Subtype/XML>>",
                       xmpPacket(attributes).toStdString());
     std::string catalog = "<<";
-    appendEntries(catalog, source_.root(), {"/Metadata"});
+    spelling_.appendEntries(catalog, source_.root(), {"/Metadata"});
     const int root = file_.add(catalog + "/Metadata " + referenceText(packet) + ">>");
     const int information = file_.add(informationText(attributes));
     return file_.finish(source_.version(),
@@ -58,16 +58,17 @@ class Copy {
     std::string text;
     const auto data = source_.data(number);
     if (!data) {
-      appendValue(text, value);
+      spelling_.append(text, value);
       return file_.writeObject(number, text);
     }
     text = "<<";
-    appendEntries(text, value, {"/Length"});
+    spelling_.appendEntries(text, value, {"/Length"});
     file_.writeStream(number, text + ">>", *data);
   }
 
   const SourceFile& source_;
   CompactFile file_;
+  ValueText spelling_;
 };
 
 }  // namespace

@@ -72,28 +72,6 @@ std::string ObjectCopier::objectText(int object) {
   return text + ">>";
 }
 
-void ObjectCopier::append(std::string& text, const Value& value) {
-  switch (value.kind) {
-    case Value::Kind::Null:
-      return appendWord(text, leftOut);
-    case Value::Kind::Reference:
-      return appendReference(text, value.reference);
-    case Value::Kind::Dictionary:
-      text += "<<";
-      appendEntries(text, value, {});
-      text += ">>";
-      return;
-    case Value::Kind::Array:
-      text += '[';
-      for (const Value& item : value.items())
-        append(text, item);
-      text += ']';
-      return;
-    default:
-      return appendWord(text, value.text);
-  }
-}
-
 void ObjectCopier::appendEntries(std::string& text, const Value& dictionary,
                                  std::initializer_list<std::string_view> except) {
   const Value& kind = dictionary["/S"];

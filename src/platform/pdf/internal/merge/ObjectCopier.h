@@ -9,13 +9,14 @@
 #include "platform/pdf/internal/merge/Renaming.h"
 #include "platform/pdf/internal/merge/ResourcePool.h"
 #include "platform/pdf/internal/merge/SourceFile.h"
+#include "platform/pdf/internal/merge/ValueText.h"
 
 namespace pdf {
 
 /// Copies objects of one document into another and renames on the way. References to pages lead to
 /// the pages' copies; those to the document's own catalog and page tree lead nowhere. Resources
 /// that the target has already are not copied.
-class ObjectCopier {
+class ObjectCopier : private ValueText {
  public:
   ObjectCopier(const SourceFile& source, CompactFile& target, ResourcePool& pool);
 
@@ -43,10 +44,9 @@ class ObjectCopier {
     bool isElement;     ///< of the structure tree
   };
 
-  void append(std::string& text, const Value& value);
-  void appendReference(std::string& text, int object);
+  void appendReference(std::string& text, int object) override;
   void appendEntries(std::string& text, const Value& dictionary,
-                     std::initializer_list<std::string_view> except);
+                     std::initializer_list<std::string_view> except) override;
   int copyOf(int object);
   std::string objectText(int object);
   std::optional<std::string> renamed(std::string_view key, const Value& value,

@@ -11,12 +11,12 @@ void appendWord(std::string& text, std::string_view word) {
   text += word;
 }
 
-void appendValue(std::string& text, const Value& value) {
+void ValueText::append(std::string& text, const Value& value) {
   switch (value.kind) {
     case Value::Kind::Null:
       return appendWord(text, "null");
     case Value::Kind::Reference:
-      return appendWord(text, referenceText(value.reference));
+      return appendReference(text, value.reference);
     case Value::Kind::Dictionary:
       text += "<<";
       appendEntries(text, value, {});
@@ -25,7 +25,7 @@ void appendValue(std::string& text, const Value& value) {
     case Value::Kind::Array:
       text += '[';
       for (const Value& item : value.items())
-        appendValue(text, item);
+        append(text, item);
       text += ']';
       return;
     default:
@@ -33,13 +33,17 @@ void appendValue(std::string& text, const Value& value) {
   }
 }
 
-void appendEntries(std::string& text, const Value& dictionary,
-                   std::initializer_list<std::string_view> except) {
+void ValueText::appendReference(std::string& text, int object) {
+  appendWord(text, referenceText(object));
+}
+
+void ValueText::appendEntries(std::string& text, const Value& dictionary,
+                              std::initializer_list<std::string_view> except) {
   for (std::uint32_t index = 0; index < dictionary.count; index += 2) {
     const std::string_view key = dictionary.items()[index].text;
     if (std::find(except.begin(), except.end(), key) != except.end()) continue;
     text += key;
-    appendValue(text, dictionary.items()[index + 1]);
+    append(text, dictionary.items()[index + 1]);
   }
 }
 

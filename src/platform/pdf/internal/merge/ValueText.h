@@ -11,11 +11,19 @@ namespace pdf {
 /// Keeps words apart that would be read as one.
 void appendWord(std::string& text, std::string_view word);
 
-/// The value as it is, its references too.
-void appendValue(std::string& text, const Value& value);
+/// Spells values as they are; who copies them elsewhere spells what refers to others anew.
+class ValueText {
+ public:
+  virtual ~ValueText() = default;
 
-/// The entries of a dictionary, without its brackets. `except` stay behind.
-void appendEntries(std::string& text, const Value& dictionary,
-                   std::initializer_list<std::string_view> except);
+  void append(std::string& text, const Value& value);
+
+  /// The entries of a dictionary, without its brackets. `except` stay behind.
+  virtual void appendEntries(std::string& text, const Value& dictionary,
+                             std::initializer_list<std::string_view> except);
+
+ protected:
+  virtual void appendReference(std::string& text, int object);
+};
 
 }  // namespace pdf
