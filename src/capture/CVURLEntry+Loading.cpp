@@ -69,6 +69,7 @@ void CVURLEntry::createViews(double width) {
   configuration.deviceScaleFactor = services_.pixelsPerPoint;
   configuration.scripts = useJavascript() ? web::Scripts::Enabled : web::Scripts::Disabled;
   const std::shared_ptr<web::Page> page = services_.engine->createPage(configuration);
+  rendering::watchObservers(*page);
   const QRectF frame(offScreen, QSizeF(width, loadHeight));
 
   webView_ = web::WebView::create(page, frame);

@@ -59,13 +59,20 @@
     return [...found].filter((animation) => ['running', 'paused'].includes(animation.playState));
   };
 
+  // Without lazy marks and observers nothing waits to be seen, and the page need not be walked through.
+  const waitsToBeSeen = () => {
+    const ask = () => new Event('corvalisasksforobservers', { cancelable: true });
+    const mayObserve = (inner) => inner.defaultView?.dispatchEvent(ask()) ?? false;
+    return document.querySelector(lazyMarks) !== null || corvalisPage.documents().some(mayObserve);
+  };
+
   corvalisPage.settleBegin = () => {
-    const lazy = document.querySelector(lazyMarks) !== null;
+    const waits = waitsToBeSeen();
     collectPictures();
     const root = document.scrollingElement ?? document.documentElement;
     return {
       ...corvalisPage.settleState(),
-      lazyMarks: lazy,
+      waitsToBeSeen: waits,
       unseen: root.scrollHeight > Math.max(innerHeight, seenHeight) + 1,
     };
   };

@@ -34,7 +34,6 @@ class SettleRun : public std::enable_shared_from_this<SettleRun> {
 
   void call(const QString& function, Step next);
   void afterBegin(const QJsonObject& state);
-  void countObservers();
   void beginScroll();
   void scrollStep();
   void endScroll();
@@ -78,32 +77,9 @@ void SettleRun::call(const QString& function, Step next) {
 void SettleRun::afterBegin(const QJsonObject& state) {
   // Without scripts nothing but the loading attribute can make a picture wait for its place.
   const bool scripted = page_->configuration().scripts == web::Scripts::Enabled;
-  if (!scripted || !state.value("unseen"_L1).toBool()) return check(state);
-  if (state.value("lazyMarks"_L1).toBool()) return beginScroll();
-  countObservers();
-}
-
-/// A page without observers has nothing that waits to be seen, and is not walked through.
-void SettleRun::countObservers() {
-  auto ask = [self = shared_from_this()](Result<QJsonObject> found) {
-    const QString list =
-        found ? found->value("objects"_L1).toObject().value("description"_L1).toString()
-              : QString();
-    const bool observed = !list.isEmpty() && list != u"Array(0)";
-    observed ? self->beginScroll() : self->call(u"noteSeen"_s, &SettleRun::check);
-  };
-  auto query = [self = shared_from_this(), ask](Result<QJsonObject> reply) {
-    if (!reply) return self->end(reply.error());
-    const QJsonValue prototype = reply->value("result"_L1).toObject().value("objectId"_L1);
-    self->page_->send(u"Runtime.queryObjects"_s,
-                      {{"prototypeObjectId"_L1, prototype}, {"objectGroup"_L1, u"corvalis"_s}},
-                      ask);
-    self->page_->send(u"Runtime.releaseObjectGroup"_s, {{"objectGroup"_L1, u"corvalis"_s}});
-  };
-  page_->send(
-      u"Runtime.evaluate"_s,
-      {{"expression"_L1, u"IntersectionObserver.prototype"_s}, {"objectGroup"_L1, u"corvalis"_s}},
-      query);
+  const bool unseen = scripted && state.value("unseen"_L1).toBool();
+  if (!unseen) return check(state);
+  state.value("waitsToBeSeen"_L1).toBool() ? beginScroll() : call(u"noteSeen"_s, &SettleRun::check);
 }
 
 void SettleRun::beginScroll() {
@@ -172,6 +148,11 @@ void SettleRun::end(MaybeError error) {
 }
 
 }  // namespace
+
+void watchObservers(web::Page& page) {
+  if (page.configuration().scripts == web::Scripts::Disabled) return;
+  page.send(u"Page.addScriptToEvaluateOnNewDocument"_s, {{"source"_L1, observersScriptText()}});
+}
 
 void settle(const std::shared_ptr<web::Page>& page, const SettleOptions& options,
             std::function<void(MaybeError)> callback) {

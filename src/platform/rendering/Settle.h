@@ -28,6 +28,10 @@ struct SettleOptions {
   int scrollSteps = 200;
 };
 
+/// Notes in each document that is loaded from now on whether its scripts wait for places to come
+/// into view, so that `settle` walks through such pages only.
+void watchObservers(web::Page& page);
+
 /// Brings a loaded page to rest: pictures that load lazily are loaded and decoded, fonts are there,
 /// animations show their end (endless ones their unanimated state), reduced motion is asked for,
 /// and the page stands at its top. Pictures, fonts and frames that never arrive are given up at the

@@ -49,6 +49,7 @@ std::unique_ptr<web::Engine>& RenderingTest::engine() {
 void RenderingTest::open(const web::PageRequest& request,
                          const web::PageConfiguration& configuration) {
   page = engine()->createPage(configuration);
+  rendering::watchObservers(*page);
   const auto end = std::make_shared<LoadEnd>();
   page->addObserver(end);
   page->load(request);

@@ -69,6 +69,26 @@ TEST_F(SettleTest, AnObserverWithoutOtherMarksMakesThePageBeWalkedThrough) {
   EXPECT_EQ(evaluate(u"document.title"_s).toString(), u"seen"_s);
 }
 
+TEST_F(SettleTest, ObserversThatThePageMakesAreItsOwn) {
+  openMarkup(
+      u"<!DOCTYPE html><script>class Own extends IntersectionObserver {};"
+      "const own = new Own(() => {}); document.title = [own instanceof IntersectionObserver,"
+      "own.constructor === Own, String(IntersectionObserver).includes('[native code]'),"
+      "new IntersectionObserver(() => {}).constructor === IntersectionObserver]</script>"_s);
+  EXPECT_EQ(evaluate(u"document.title"_s).toString().toStdString(), "true,true,true,true");
+}
+
+TEST_F(SettleTest, ADocumentThatWasWrittenAnewIsWalkedThrough) {
+  openMarkup(u"<!DOCTYPE html><body style='height:9000px'>"_s);
+  evaluate(
+      u"document.open(); document.write('<body style=\"height:9000px\">'); document.close();"
+      "window.lowest = 0;"
+      "addEventListener('scroll', () => { lowest = Math.max(lowest, scrollY) })"_s);
+  EXPECT_FALSE(settle());
+  EXPECT_GT(evaluate(u"new Promise((r) => requestAnimationFrame(() => r(lowest)))"_s).toInt(), 0)
+      << "it has lost what would have noticed its observers";
+}
+
 TEST_F(SettleTest, APageWithoutObserversIsNotWalkedThrough) {
   openMarkup(
       u"<!DOCTYPE html><body style='height:9000px'><script>let lowest = 0;"
