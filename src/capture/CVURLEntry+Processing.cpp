@@ -102,7 +102,9 @@ void CVURLEntry::savePanelEnded(const std::shared_ptr<CVPreferences>& preference
     endStep(processCompletion_, std::nullopt);
     return;
   }
-  preferences->setDownloadLocation(capture::withExtensionOfFormat(*chosen, preferences->format()));
+  const bool completed = services_.savePanel->chosenNames() == ChosenNames::Completed;
+  preferences->setDownloadLocation(
+      completed ? capture::withExtensionOfFormat(*chosen, preferences->format()) : *chosen);
   // A document of the whole queue may have put its own in their place meanwhile.
   usePreferences(preferences);
   dispatch::globalAsync(dispatch::Priority::High, [entry = self(), preferences] {
