@@ -131,7 +131,7 @@ void CVURLEntry::doProcessingWithPreferences(const std::shared_ptr<CVPreferences
 
 void CVURLEntry::executeProcessingWithPreferences(
     const std::shared_ptr<CVPreferences>& preferences) {
-  setState(CVEntryStateProcessing);
+  if (showsProcessedPage()) setState(CVEntryStateProcessing);
   MaybeError error;
   const QUrl temporary = convert(preferences, error);
   if (!error) {
@@ -143,7 +143,6 @@ void CVURLEntry::executeProcessingWithPreferences(
   } else {
     QFile::remove(temporary.toLocalFile());
   }
-  processedPage_.page.reset();
   endProcessing(error);
 }
 
@@ -269,7 +268,17 @@ void CVURLEntry::deliverElsewhere(const QUrl& temporary, CVPreferences& preferen
   if (destination == u"DropBox"_s) utils()->uploadFileToDropBox(target);
 }
 
+bool CVURLEntry::showsProcessedPage() const {
+  return loadedPage() == processedPage_.page;
+}
+
 void CVURLEntry::endProcessing(const MaybeError& error) {
+  if (showsProcessedPage()) showOutcome(error);
+  processedPage_.page.reset();
+  endStep(processCompletion_, error);
+}
+
+void CVURLEntry::showOutcome(const MaybeError& error) {
   if (error) {
     auto record = std::make_shared<CVError>();
     setError(record);
@@ -277,7 +286,6 @@ void CVURLEntry::endProcessing(const MaybeError& error) {
     record->setErrorDescription(error->localizedDescription);
   }
   setState(CVEntryStateDone);
-  endStep(processCompletion_, error);
 }
 
 bool CVURLEntry::canBeRevealed() const {

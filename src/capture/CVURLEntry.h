@@ -149,7 +149,10 @@ class CVURLEntry : public CVEntry,
   void writeDocument(const QUrl& temporary, const QUrl& target, MaybeError& error);
   void writePicture(const QUrl& temporary, const QUrl& target, const CVPreferences& preferences,
                     MaybeError& error);
+  /// False once the entry is loaded anew: its state and error are then that load's.
+  bool showsProcessedPage() const;
   void endProcessing(const MaybeError& error);
+  void showOutcome(const MaybeError& error);
 
   // Pictures (CVURLEntry+ImageConversion.cpp)
   Result<PagePicture> picturePage(const CVPreferences& preferences, const QUrl& target);

@@ -89,12 +89,26 @@ TEST_F(ConversionTurns, APageThatIsLoadedAnewLeavesTheRunningConversionItsOwn) {
     EXPECT_FALSE(loaded.error);
     EXPECT_TRUE(textOf(output.filePath(u"First.pdf"_s)).contains("last words of First"_L1));
     EXPECT_EQ(entry->title(), u"Second"_s);
+    EXPECT_EQ(entry->state(), CVEntryStateDownloaded);
     ASSERT_FALSE(process(entry));
     EXPECT_TRUE(textOf(output.filePath(u"Second.pdf"_s)).contains("last words of Second"_L1));
     EXPECT_EQ(results(), (QStringList{u"First.pdf"_s, u"Second.pdf"_s}));
     for (const QString& name : results())
       QFile::remove(output.filePath(name));
   }
+}
+
+TEST_F(ConversionTurns, AFailureIsNotChargedToThePageThatWasLoadedMeanwhile) {
+  settings->setDownloadLocation(QUrl::fromLocalFile(folder.filePath(u"page.html"_s)));
+  const auto entry = prepared(u"First"_s);
+  Ending processed, loaded;
+  entry->processWithCompletion(processed.completion());
+  ASSERT_TRUE(waitFor([&] { return entry->state() == CVEntryStateProcessing; }, longest));
+  entry->prepareWithCompletion(loaded.completion());
+  ASSERT_TRUE(processed.wait() && loaded.wait());
+  EXPECT_TRUE(processed.error);
+  EXPECT_FALSE(entry->error());
+  EXPECT_EQ(entry->state(), CVEntryStateDownloaded);
 }
 
 TEST_F(ConversionTurns, AConversionThatWasBegunAheadIsNotTakenForThePageThatReplacesIt) {
