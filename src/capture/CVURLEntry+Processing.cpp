@@ -57,9 +57,9 @@ void CVURLEntry::endStep(Completion& completion, const MaybeError& error) {
 
 void CVURLEntry::startProcessing(Completion completion) {
   if (isLoading()) {
-    whenLoaded_.push_back([entry = self(), completion](const MaybeError& error) mutable {
-      if (error) return entry->endStep(completion, error);
-      entry->startProcessing(std::move(completion));
+    whenLoaded_.push_back([this, completion](const MaybeError& error) mutable {
+      if (error) return endStep(completion, error);
+      startProcessing(std::move(completion));
     });
     return;
   }
@@ -110,9 +110,9 @@ void CVURLEntry::savePanelEnded(const std::shared_ptr<CVPreferences>& preference
     return;
   }
   if (isLoading()) {
-    whenLoaded_.push_back([entry = self(), preferences, chosen](const MaybeError& error) {
-      if (error) return entry->endStep(entry->processCompletion_, error);
-      entry->savePanelEnded(preferences, chosen);
+    whenLoaded_.push_back([this, preferences, chosen](const MaybeError& error) {
+      if (error) return endStep(processCompletion_, error);
+      savePanelEnded(preferences, chosen);
     });
     return;
   }

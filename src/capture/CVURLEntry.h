@@ -176,7 +176,7 @@ class CVURLEntry : public CVEntry,
   /// What waits for the step that is under way; each is called once.
   Completion prepareCompletion_;
   Completion processCompletion_;
-  /// What was asked for while the page loads and needs it loaded.
+  /// What was asked for while the page loads and needs it loaded. Called by this entry alone.
   std::vector<LoadEnded> whenLoaded_;
   /// Set on the main thread before the processing that it is for begins on a pool thread.
   capture::LoadedPage processedPage_;

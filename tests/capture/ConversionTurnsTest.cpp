@@ -160,7 +160,7 @@ TEST_F(ConversionTurns, WhatTheUserSavesWhileThePageLoadsAnewIsTheNewPage) {
   ASSERT_TRUE(waitFor([&] { return panel->answer != nullptr; }));
   (void)pageCalled(u"Second"_s);
   entry->prepareWithCompletion(loaded.completion());
-  panel->answer(QUrl::fromLocalFile(output.filePath(u"chosen.pdf"_s)));
+  std::exchange(panel->answer, nullptr)(QUrl::fromLocalFile(output.filePath(u"chosen.pdf"_s)));
   ASSERT_TRUE(loaded.wait() && processed.wait());
   EXPECT_FALSE(processed.error);
   EXPECT_TRUE(textOf(output.filePath(u"chosen.pdf"_s)).contains("words of Second"_L1));
