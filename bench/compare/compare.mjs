@@ -1,5 +1,5 @@
 // Prints times and sizes side by side, the contestants taking turns in one run.
-//   node compare.mjs PAGES_FOLDER [ROUNDS]
+//   node compare.mjs PAGES_FOLDER [ROUNDS] [TITLE]   only the comparisons whose title contains TITLE
 import { spawn, spawnSync } from 'node:child_process';
 import { mkdtempSync, readFileSync, readdirSync, rmSync, statSync, writeFileSync } from 'node:fs';
 import { tmpdir } from 'node:os';
@@ -14,6 +14,7 @@ process.env.CORVALIS_ENGINE_ARGS ??= rule;
 
 const folder = process.argv[2];
 const rounds = Number(process.argv[3] ?? 3);
+const wanted = process.argv[4] ?? '';
 const pages = readdirSync(folder).filter((name) => name.endsWith('.html')).map((name) => join(folder, name));
 
 function ours(args, sources, out) {
@@ -43,6 +44,7 @@ function timed(make) {
 const median = (values) => [...values].sort((a, b) => a - b)[Math.floor(values.length / 2)];
 
 function compare(title, contestants) {
+  if (!title.includes(wanted)) return;
   const results = contestants.map(() => []);
   for (let round = 0; round < rounds; ++round) {
     contestants.forEach(([, make], index) => results[index].push(timed(make)));
@@ -72,6 +74,7 @@ function peakMemory(args) {
 }
 
 async function tall(height, formats) {
+  if (!'tall made page'.includes(wanted)) return;
   const out = mkdtempSync(join(tmpdir(), 'tall-'));
   const page = join(out, 'tall.html');
   const rows = Array.from({ length: height / 100 }, (_, row) =>

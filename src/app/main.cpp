@@ -53,7 +53,7 @@ int runCapture(int& argc, char** argv, const CaptureOptions& options) {
   // Programs that the result is handed to do show themselves.
   platform ? qputenv("QT_QPA_PLATFORM", *platform) : qunsetenv("QT_QPA_PLATFORM");
   dispatch::initialize();
-  const auto engine = web::Engine::shared();
+  const auto engine = web::Engine::shared({.use = web::EngineUse::Conversions});
   engine->warmUp();
   WorkFolder workFolder;
   const bool isHandedOn = options.destination != u"Disk"_s;

@@ -8,6 +8,7 @@
 #include "platform/rendering/PageTurn.h"
 #include "platform/rendering/PicturePipeline.h"
 #include "platform/rendering/RenderingError.h"
+#include "platform/rendering/TailWatch.h"
 #include "platform/rendering/ViewportPicture.h"
 #include "platform/web/Page.h"
 
@@ -16,9 +17,6 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
-/// Each strip costs the engine a new layout of the document, so there are few; packed, two of them
-/// are a matter of megabytes.
-constexpr double pixelsPerStrip = 32 * 1024 * 1024;
 /// Strips begin at multiples of this, so that their device rows are whole at any scale of two
 /// decimals.
 constexpr double stripUnit = 100;
@@ -29,9 +27,10 @@ constexpr int mostAttempts = 3;
 /// One strip being encoded, one waiting.
 constexpr int mostWaiting = 2;
 
-double stripHeight(double deviceWidth, double scale) {
-  const double rows = pixelsPerStrip / deviceWidth / scale;
-  return qBound(stripUnit, std::floor(rows / stripUnit) * stripUnit, highestStrip);
+/// Of a painted document a strip costs the engine two or three frames: it pictures one while
+/// another is packed. Otherwise each strip costs a new layout, so there are few.
+double pixelsPerStrip(web::Painted painted) {
+  return (painted == web::Painted::WholeDocument ? 8 : 32) * 1024 * 1024;
 }
 
 /// One picture of a whole document, kept by the callbacks of its steps. Main thread only.
@@ -40,41 +39,52 @@ class DocumentPicture : public std::enable_shared_from_this<DocumentPicture> {
   using Callback = std::function<void(Result<CapturedPicture>)>;
 
   DocumentPicture(std::shared_ptr<FlatDocument> document, PictureOptions options, Callback callback)
-      : document_(std::move(document)), options_(options), callback_(std::move(callback)) {}
+      : document_(std::move(document)),
+        options_(options),
+        callback_(std::move(callback)),
+        painted_(document_->page()->configuration().painted) {}
 
   void start(std::shared_ptr<PictureReceiver> receiver);
 
  private:
   void begin(QSizeF size);
   void request();
-  void take(int attempt, Result<web::DataReply> reply);
+  void goOn(double bottom);
+  void take(double bottom, Result<web::DataReply> reply);
   void afterLastStrip();
   void compare(const Result<DocumentLayout>& layout);
   void delivered(const MaybeError& error);
+  bool isCutOff() const;
+  void finish();
   void end(Result<CapturedPicture> result);
 
   QSizeF pictured(QSizeF document) const;
+  double stripHeight() const;
   int deviceRow(double y) const { return qRound(y * options_.scale); }
   QJsonObject clip(double top, double height) const;
 
   std::shared_ptr<FlatDocument> document_;
   PictureOptions options_;
   Callback callback_;
+  web::Painted painted_;
+  std::shared_ptr<TailWatch> watch_;
   std::shared_ptr<PicturePipeline> pipeline_;
   QSizeF size_;
   QSize devicePixels_;
   /// Up to where strips have been asked for, and up to where they have come.
   double asked_ = 0;
   double taken_ = 0;
+  bool engineIsBusy_ = false;
   int attempt_ = 0;
   bool measured_ = false;
   bool ended_ = false;
 };
 
 void DocumentPicture::start(std::shared_ptr<PictureReceiver> receiver) {
+  const double viewportHeight = document_->layout().viewport.height();
+  watch_ = std::make_shared<TailWatch>(std::move(receiver), deviceRow(viewportHeight));
   pipeline_ = std::make_shared<PicturePipeline>(
-      std::move(receiver),
-      [self = shared_from_this()](const auto& error) { self->delivered(error); });
+      watch_, [self = shared_from_this()](const auto& error) { self->delivered(error); });
   begin(pictured(document_->layout().document));
 }
 
@@ -88,9 +98,15 @@ void DocumentPicture::begin(QSizeF size) {
   devicePixels_ = {qMax(1, qRound(size.width() * options_.scale)),
                    qMax(1, deviceRow(size.height()))};
   asked_ = taken_ = 0;
+  engineIsBusy_ = false;
   measured_ = false;
   pipeline_->begin(devicePixels_);
   request();
+}
+
+double DocumentPicture::stripHeight() const {
+  const double rows = pixelsPerStrip(painted_) / devicePixels_.width() / options_.scale;
+  return qBound(stripUnit, std::floor(rows / stripUnit) * stripUnit, highestStrip);
 }
 
 QJsonObject DocumentPicture::clip(double top, double height) const {
@@ -102,36 +118,43 @@ QJsonObject DocumentPicture::clip(double top, double height) const {
           {"scale"_L1, factor}};
 }
 
-/// Asks for the next strip while the last one is encoded.
+/// Asks for the next strip while the last ones come in and are packed.
 void DocumentPicture::request() {
-  const bool waitsForStrip = asked_ > taken_;
-  if (ended_ || waitsForStrip || asked_ >= size_.height()) return;
+  if (ended_ || engineIsBusy_ || asked_ >= size_.height()) return;
   if (pipeline_->waiting() >= mostWaiting) return;
-  const double height =
-      qMin(stripHeight(devicePixels_.width(), options_.scale), size_.height() - asked_);
+  const double height = qMin(stripHeight(), size_.height() - asked_);
   const QJsonObject parameters{{"format"_L1, u"png"_s},
                                {"optimizeForSpeed"_L1, true},
-                               {"captureBeyondViewport"_L1, true},
+                               {"captureBeyondViewport"_L1, painted_ == web::Painted::Viewport},
                                {"clip"_L1, clip(asked_, height)}};
   asked_ += height;
-  document_->page()->sendForData(
-      u"Page.captureScreenshot"_s, parameters, "data",
-      [self = shared_from_this(), attempt = attempt_](Result<web::DataReply> reply) {
-        self->take(attempt, std::move(reply));
-      });
+  engineIsBusy_ = true;
+  const auto self = shared_from_this();
+  document_->page()->sendForData(u"Page.captureScreenshot"_s, parameters,
+                                 {"data", [self, strip = asked_] { self->goOn(strip); }},
+                                 [self, strip = asked_](Result<web::DataReply> reply) {
+                                   self->take(strip, std::move(reply));
+                                 });
 }
 
-void DocumentPicture::take(int attempt, Result<web::DataReply> reply) {
-  if (ended_ || attempt != attempt_) return;
-  if (!reply) return end(tl::unexpected(reply.error()));
-  const int rows = deviceRow(asked_) - deviceRow(taken_);
-  pipeline_->add(std::move(reply->data), {devicePixels_.width(), rows});
-  taken_ = asked_;
-  if (taken_ >= size_.height()) return afterLastStrip();
+/// The engine has made the strip that ends at `bottom`. Taking two at once would mix them up.
+void DocumentPicture::goOn(double bottom) {
+  if (bottom != asked_) return;
+  engineIsBusy_ = false;
   request();
 }
 
-/// Taking pictures passes through a resize of the page, which can change its height.
+void DocumentPicture::take(double bottom, Result<web::DataReply> reply) {
+  if (ended_) return;
+  if (!reply) return end(tl::unexpected(reply.error()));
+  const int rows = deviceRow(bottom) - deviceRow(taken_);
+  pipeline_->add(std::move(reply->data), {devicePixels_.width(), rows});
+  taken_ = bottom;
+  if (taken_ >= size_.height()) return afterLastStrip();
+  goOn(bottom);
+}
+
+/// Being pictured can change a page's height.
 void DocumentPicture::afterLastStrip() {
   if (attempt_ >= mostAttempts) {
     measured_ = true;
@@ -152,8 +175,18 @@ void DocumentPicture::compare(const Result<DocumentLayout>& layout) {
 void DocumentPicture::delivered(const MaybeError& error) {
   if (ended_) return;
   if (error) return end(tl::unexpected(*error));
-  if (measured_ && pipeline_->waiting() == 0) return end(CapturedPicture{devicePixels_, size_});
-  request();
+  measured_ && pipeline_->waiting() == 0 ? finish() : request();
+}
+
+/// A browser that does not know our setting gives white rows below the viewport.
+bool DocumentPicture::isCutOff() const {
+  return painted_ == web::Painted::WholeDocument && watch_->tailIsBlank();
+}
+
+void DocumentPicture::finish() {
+  if (!isCutOff()) return end(CapturedPicture{devicePixels_, size_});
+  painted_ = web::Painted::Viewport;
+  begin(size_);
 }
 
 void DocumentPicture::end(Result<CapturedPicture> result) {

@@ -98,7 +98,8 @@ void PrintTransfer::open(const Result<QJsonObject>& reply) {
 }
 
 void PrintTransfer::read() {
-  page_->sendForData(u"IO.read"_s, {{"handle"_L1, stream_}, {"size"_L1, bytesPerRead}}, "data",
+  page_->sendForData(u"IO.read"_s, {{"handle"_L1, stream_}, {"size"_L1, bytesPerRead}},
+                     {"data", {}},
                      [self = shared_from_this()](const Result<web::DataReply>& reply) {
                        reply ? self->write(*reply) : self->end(tl::unexpected(reply.error()));
                      });

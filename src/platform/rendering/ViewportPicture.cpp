@@ -34,7 +34,7 @@ void takePicture(const std::shared_ptr<web::Page>& page,
   PageTurn::take(page, [page, callback = std::move(callback)](std::shared_ptr<PageTurn> turn) {
     page->sendForData(
         u"Page.captureScreenshot"_s, {{"format"_L1, u"png"_s}, {"optimizeForSpeed"_L1, true}},
-        "data", [page, turn, callback](Result<web::DataReply> reply) mutable {
+        {"data", {}}, [page, turn, callback](Result<web::DataReply> reply) mutable {
           turn.reset();
           callback(std::move(reply).map([](web::DataReply&& data) { return data.data; }));
         });

@@ -20,6 +20,9 @@ struct DataReply {
 struct ReplyForm {
   /// Empty: the whole reply is JSON.
   QByteArray dataField;
+  /// Called on the main queue when a large reply begins to come in: the browser is free for the
+  /// next command. Not called for replies that come at once.
+  std::function<void()> begins;
 };
 
 /// One command for the browser.

@@ -64,14 +64,20 @@ void Connection::start(FileDescriptor readEnd, FileDescriptor writeEnd) {
       if (const auto self = weak.lock()) self->deliver(std::move(*message));
     });
   };
+  auto handleBegin = [calls = calls_](std::string_view beginning) {
+    const auto identifier = replyIdentifier(beginning);
+    const auto form = identifier ? calls->form(*identifier) : std::nullopt;
+    if (form && form->begins) dispatch::mainAsync(form->begins);
+  };
   auto handleClosed = [weak](const QString& reason) {
     const QString text = reason.isEmpty() ? u"The browser has ended."_s : reason;
     dispatch::mainAsync([weak, text] {
       if (const auto self = weak.lock()) self->handleEnd(makeError(EngineEnded, text));
     });
   };
-  transport_ = std::make_unique<Transport>(std::move(readEnd), std::move(writeEnd), handleMessage,
-                                           handleClosed);
+  transport_ =
+      std::make_unique<Transport>(std::move(readEnd), std::move(writeEnd),
+                                  Transport::Handlers{handleMessage, handleBegin, handleClosed});
 }
 
 void Connection::send(Command command) {

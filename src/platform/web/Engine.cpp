@@ -49,7 +49,8 @@ void Engine::warmUp() {
   (void)instance();
 }
 
-std::shared_ptr<Page> Engine::createPage(const PageConfiguration& configuration) {
+std::shared_ptr<Page> Engine::createPage(PageConfiguration configuration) {
+  if (options_.use == EngineUse::Conversions) configuration.painted = Painted::WholeDocument;
   auto page = Page::create(configuration);
   if (const auto running = instance())
     (*running)->open(page);

@@ -5,6 +5,7 @@
 #include <memory>
 #include <optional>
 
+#include "platform/web/EngineProgram.h"
 #include "platform/web/Page.h"
 
 namespace web {
@@ -12,6 +13,7 @@ namespace web {
 class EngineInstance;
 
 struct EngineOptions {
+  EngineUse use = EngineUse::LiveViews;
   /// The browser to use; none: CORVALIS_ENGINE, then the programs known by name.
   std::optional<QString> program = {};
   /// Added to the program's own arguments and those of CORVALIS_ENGINE_ARGS.
@@ -39,7 +41,7 @@ class Engine {
   void warmUp();
   /// Returns at once; what is asked of the page waits until it is there. When there is no browser,
   /// the page's commands and loads fail with the reason.
-  std::shared_ptr<Page> createPage(const PageConfiguration& configuration = {});
+  std::shared_ptr<Page> createPage(PageConfiguration configuration = {});
   /// Ends the browser, all its processes and its folder; returns when they are gone, in 2 s at
   /// most, of a kept profile in 4 s: it is given the time to write. The pages fail; a later page
   /// starts a new browser.

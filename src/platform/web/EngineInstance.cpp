@@ -30,7 +30,8 @@ Result<std::shared_ptr<EngineInstance>> EngineInstance::start(const EngineOption
       options.program ? engineProgramAt(*options.program) : findEngineProgram();
   if (!program) return tl::make_unexpected(program.error());
   Result<std::unique_ptr<EngineProcess>> process = EngineProcess::start(
-      *program, engineArguments(*program) + options.extraArguments, options.profileFolder);
+      *program, engineArguments(*program, options.use) + options.extraArguments,
+      options.profileFolder);
   if (!process) return tl::make_unexpected(process.error());
   std::shared_ptr<EngineInstance> instance(new EngineInstance(std::move(*process)));
   instance->connect();

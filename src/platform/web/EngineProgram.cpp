@@ -130,8 +130,10 @@ QStringList splitShellWords(const QString& text) {
   return words;
 }
 
-QStringList engineArguments(const EngineProgram& program) {
+QStringList engineArguments(const EngineProgram& program, EngineUse use) {
   QStringList arguments = commonArguments() + program.arguments;
+  if (use == EngineUse::Conversions)
+    arguments.append(u"--blink-settings=mainFrameClipsContent=false"_s);
   if (::geteuid() == 0) {
     logLine(u"The browser runs without its sandbox: it refuses one for the super-user."_s);
     arguments.append(u"--no-sandbox"_s);

@@ -24,8 +24,17 @@ Result<EngineProgram> engineProgramAt(const QString& path);
 /// with the text.
 QStringList splitShellWords(const QString& text);
 
+enum class EngineUse {
+  /// Pages may be shown and used.
+  LiveViews,
+  /// Pages are only converted. They are painted as a whole, so that what lies beyond the viewport
+  /// is
+  /// pictured without being laid out anew; wheel and keys do not scroll such a page.
+  Conversions
+};
+
 /// All arguments for the browser but its folder: ours, the program's, those of
 /// CORVALIS_ENGINE_ARGS.
-QStringList engineArguments(const EngineProgram& program);
+QStringList engineArguments(const EngineProgram& program, EngineUse use);
 
 }  // namespace web

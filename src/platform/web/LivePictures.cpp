@@ -112,7 +112,7 @@ void LivePictures::requestSharpPicture() {
   takingSharpPicture_ = true;
   page_->sendForData(
       u"Page.captureScreenshot"_s, {{u"format"_s, u"jpeg"_s}, {u"quality"_s, sharpPictureQuality}},
-      "data",
+      {"data", {}},
       [weak = weak_from_this(), current = lastPicture_,
        document = document_](const Result<DataReply>& reply) {
         const auto self = weak.lock();

@@ -4,6 +4,7 @@
 
 #include <QJsonArray>
 #include <QJsonDocument>
+#include <charconv>
 
 #include "platform/web/Transport.h"
 #include "platform/web/WebError.h"
@@ -140,6 +141,17 @@ Message readPatiently(std::string_view text, const MessageInterest& interest) {
 }
 
 }  // namespace
+
+std::optional<qint64> replyIdentifier(std::string_view beginning) {
+  constexpr std::string_view first = R"({"id":)";
+  if (!beginning.starts_with(first)) return std::nullopt;
+  beginning.remove_prefix(first.size());
+  qint64 identifier = 0;
+  const auto [end, error] =
+      std::from_chars(beginning.data(), beginning.data() + beginning.size(), identifier);
+  const bool whole = error == std::errc() && end != beginning.data() + beginning.size();
+  return whole ? std::optional(identifier) : std::nullopt;
+}
 
 MessageReader::MessageReader(MessageInterest interest)
     : interest_(std::move(interest)), parser_(std::make_unique<dom::parser>()) {}

@@ -45,6 +45,10 @@ struct MessageInterest {
   std::function<bool(const QString& method)> wantsEvent;
 };
 
+/// The identifier of the reply that begins so, as far as that can be told: it comes first in the
+/// messages of the browsers we know.
+std::optional<qint64> replyIdentifier(std::string_view beginning);
+
 /// Reads messages of the DevTools protocol. Used by one thread.
 class MessageReader {
  public:

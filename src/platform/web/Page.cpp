@@ -154,10 +154,9 @@ void Page::send(const QString& method, const QJsonObject& parameters, ReplyCallb
   session_->send(method, parameters, std::move(callback), timeout);
 }
 
-void Page::sendForData(const QString& method, const QJsonObject& parameters,
-                       const QByteArray& field, DataCallback callback,
-                       std::chrono::milliseconds timeout) {
-  session_->sendForData(method, parameters, field, std::move(callback), timeout);
+void Page::sendForData(const QString& method, const QJsonObject& parameters, ReplyForm form,
+                       DataCallback callback, std::chrono::milliseconds timeout) {
+  session_->sendForData(method, parameters, std::move(form), std::move(callback), timeout);
 }
 
 Subscription Page::addEventHandler(const QString& method, EventHandler handler) {

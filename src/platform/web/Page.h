@@ -88,7 +88,7 @@ class Page : public std::enable_shared_from_this<Page> {
   /// Any other command of the DevTools protocol, for this page.
   void send(const QString& method, const QJsonObject& parameters = {}, ReplyCallback callback = {},
             std::chrono::milliseconds timeout = defaultCommandTimeout);
-  void sendForData(const QString& method, const QJsonObject& parameters, const QByteArray& field,
+  void sendForData(const QString& method, const QJsonObject& parameters, ReplyForm form,
                    DataCallback callback,
                    std::chrono::milliseconds timeout = defaultCommandTimeout);
   [[nodiscard]] Subscription addEventHandler(const QString& method, EventHandler handler);

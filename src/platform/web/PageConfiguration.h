@@ -14,6 +14,9 @@ enum class LocalFiles { Refused, Allowed };
 /// and with the user's live pages; a private page starts with none and leaves none.
 enum class Profile { Program, Private };
 
+/// What the browser has painted of a page; the engine decides that.
+enum class Painted { Viewport, WholeDocument };
+
 /// What is decided when a page is made. Lengths are CSS pixels, which are points.
 struct PageConfiguration {
   double layoutWidth = 1024;
@@ -22,6 +25,7 @@ struct PageConfiguration {
   double deviceScaleFactor = 1;
   Scripts scripts = Scripts::Enabled;
   Profile profile = Profile::Program;
+  Painted painted = Painted::Viewport;
 
   friend bool operator==(const PageConfiguration&, const PageConfiguration&) = default;
 };

@@ -34,10 +34,9 @@ void Session::send(const QString& method, const QJsonObject& parameters, ReplyCa
   sendCommand(std::move(command));
 }
 
-void Session::sendForData(const QString& method, const QJsonObject& parameters,
-                          const QByteArray& field, DataCallback callback,
-                          std::chrono::milliseconds timeout) {
-  sendCommand({{}, method, parameters, {field}, std::move(callback), timeout});
+void Session::sendForData(const QString& method, const QJsonObject& parameters, ReplyForm form,
+                          DataCallback callback, std::chrono::milliseconds timeout) {
+  sendCommand({{}, method, parameters, std::move(form), std::move(callback), timeout});
 }
 
 void Session::sendCommand(Command command) {

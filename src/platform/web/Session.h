@@ -36,9 +36,9 @@ class Session : public std::enable_shared_from_this<Session> {
   /// Commands that are sent before the session is attached wait for it, in order.
   void send(const QString& method, const QJsonObject& parameters, ReplyCallback callback = {},
             std::chrono::milliseconds timeout = defaultCommandTimeout);
-  /// For replies of many megabytes: the string field `field` is decoded off the main thread and no
-  /// JSON value is made of it. The reply's "base64Encoded": false means plain text.
-  void sendForData(const QString& method, const QJsonObject& parameters, const QByteArray& field,
+  /// For replies of many megabytes: the string field that `form` names is decoded off the main
+  /// thread and no JSON value is made of it. The reply's "base64Encoded": false means plain text.
+  void sendForData(const QString& method, const QJsonObject& parameters, ReplyForm form,
                    DataCallback callback,
                    std::chrono::milliseconds timeout = defaultCommandTimeout);
   [[nodiscard]] Subscription addEventHandler(const QString& method, EventHandler handler);

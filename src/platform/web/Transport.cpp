@@ -9,6 +9,7 @@
 #include <cerrno>
 #include <csignal>
 #include <cstring>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -29,13 +30,11 @@ bool isTemporary(int error) {
 
 }  // namespace
 
-Transport::Transport(FileDescriptor readEnd, FileDescriptor writeEnd, MessageHandler messageHandler,
-                     ClosedHandler closedHandler)
+Transport::Transport(FileDescriptor readEnd, FileDescriptor writeEnd, Handlers handlers)
     : readEnd_(std::move(readEnd)),
       writeEnd_(std::move(writeEnd)),
       wakeUp_(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)),
-      messageHandler_(std::move(messageHandler)),
-      closedHandler_(std::move(closedHandler)) {
+      handlers_(std::move(handlers)) {
   makeNonBlocking(readEnd_.get());
   makeNonBlocking(writeEnd_.get());
   thread_ = std::thread([this] { run(); });
@@ -86,7 +85,7 @@ void Transport::run() {
   // Closing at once tells the browser to end even while the owner is still busy.
   readEnd_.reset();
   writeEnd_.reset();
-  closedHandler_(closedReason_);
+  handlers_.closed(closedReason_);
 }
 
 /// One round: waits for something to do and does it. False ends the connection.
@@ -120,12 +119,14 @@ bool Transport::handOver(std::size_t scanned) {
   std::size_t begin = 0;
   while (const void* found = std::memchr(buffer_.data() + scanned, '\0', filled_ - scanned)) {
     const auto end = static_cast<std::size_t>(static_cast<const char*>(found) - buffer_.data());
-    messageHandler_(std::string_view(buffer_.data() + begin, end - begin));
+    handlers_.message(std::string_view(buffer_.data() + begin, end - begin));
     begin = scanned = end + 1;
+    begun_ = false;
   }
   filled_ -= begin;
   std::memmove(buffer_.data(), buffer_.data() + begin, filled_);
   if (filled_ == 0 && buffer_.size() > keptBufferSize) std::vector<char>().swap(buffer_);
+  if (filled_ > 0 && !std::exchange(begun_, true)) handlers_.begin({buffer_.data(), filled_});
   if (filled_ <= messageLimit) return true;
   closedReason_ = u"The browser sent a message without an end."_s;
   return false;

@@ -25,12 +25,19 @@ class Transport {
 
   /// Called on the transport's thread; the text is valid during the call only.
   using MessageHandler = std::function<void(std::string_view message)>;
+  /// Called on the transport's thread for a message that comes in pieces, with the first of them.
+  using BeginHandler = std::function<void(std::string_view beginning)>;
   /// Called once, on the transport's thread, when the other side has closed or sent what cannot be
   /// read. Not called when the transport is destroyed first.
   using ClosedHandler = std::function<void(const QString& reason)>;
 
-  Transport(FileDescriptor readEnd, FileDescriptor writeEnd, MessageHandler messageHandler,
-            ClosedHandler closedHandler);
+  struct Handlers {
+    MessageHandler message;
+    BeginHandler begin;
+    ClosedHandler closed;
+  };
+
+  Transport(FileDescriptor readEnd, FileDescriptor writeEnd, Handlers handlers);
   /// Drops what has not been written. Not to be called from a handler.
   ~Transport();
   Transport(const Transport&) = delete;
@@ -52,12 +59,12 @@ class Transport {
   FileDescriptor readEnd_;
   FileDescriptor writeEnd_;
   FileDescriptor wakeUp_;
-  MessageHandler messageHandler_;
-  ClosedHandler closedHandler_;
+  Handlers handlers_;
   QString closedReason_;
 
   std::vector<char> buffer_;
   std::size_t filled_ = 0;
+  bool begun_ = false;
 
   std::mutex mutex_;
   std::deque<QByteArray> output_;

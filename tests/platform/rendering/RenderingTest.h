@@ -30,7 +30,10 @@ class Canvas : public rendering::PictureReceiver {
 /// Tests that share one real browser. Each loads its pages from the fixtures folder or from markup.
 class RenderingTest : public ::testing::Test {
  protected:
-  static void SetUpTestSuite() { engine() = std::make_unique<web::Engine>(); }
+  static void SetUpTestSuite() {
+    engine() =
+        std::make_unique<web::Engine>(web::EngineOptions{.use = web::EngineUse::Conversions});
+  }
   static void TearDownTestSuite() { engine().reset(); }
   static std::unique_ptr<web::Engine>& engine();
 

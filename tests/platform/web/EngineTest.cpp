@@ -149,7 +149,7 @@ TEST_P(BrokenBrowsers, FailThePageWithAReason) {
     file.write(GetParam().script);
     file.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
   }
-  web::Engine engine({program, {}});
+  web::Engine engine({.program = program});
   const auto page = engine.createPage();
   const auto recorder = std::make_shared<Recorder>();
   page->addObserver(recorder);

@@ -65,7 +65,7 @@ TEST_F(EvaluationTest, ACommandWithoutAReplyEndsWithItsTimeOut) {
 
 TEST_F(EvaluationTest, PicturesComeDecoded) {
   std::optional<Result<web::DataReply>> reply;
-  page->sendForData(u"Page.captureScreenshot"_s, {{u"format"_s, u"png"_s}}, "data",
+  page->sendForData(u"Page.captureScreenshot"_s, {{u"format"_s, u"png"_s}}, {"data", {}},
                     [&reply](Result<web::DataReply> result) { reply = std::move(result); });
   ASSERT_TRUE(support::waitFor([&reply] { return reply.has_value(); }));
   ASSERT_TRUE(*reply);
@@ -73,7 +73,7 @@ TEST_F(EvaluationTest, PicturesComeDecoded) {
   EXPECT_TRUE((*reply)->data.endsWith("IEND\xae\x42\x60\x82"));
 
   reply.reset();
-  page->sendForData(u"Page.captureScreenshot"_s, {{u"format"_s, u"png"_s}}, "nothing",
+  page->sendForData(u"Page.captureScreenshot"_s, {{u"format"_s, u"png"_s}}, {"nothing", {}},
                     [&reply](Result<web::DataReply> result) { reply = std::move(result); });
   ASSERT_TRUE(support::waitFor([&reply] { return reply.has_value(); }));
   ASSERT_FALSE(*reply);

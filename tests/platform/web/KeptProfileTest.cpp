@@ -26,7 +26,7 @@ class KeptProfileTest : public ::testing::Test {
     server.setPage(u"/account"_s, "<script>document.title = localStorage.note || 'none'</script>");
   }
   std::unique_ptr<web::Engine> startBrowser() {
-    return std::make_unique<web::Engine>(web::EngineOptions{{}, {}, path});
+    return std::make_unique<web::Engine>(web::EngineOptions{.profileFolder = path});
   }
   std::shared_ptr<web::Page> visit(web::Engine& engine, const QString& at) {
     const auto page = engine.createPage();

@@ -52,13 +52,12 @@ TEST(Framing, MessagesAreWholeHoweverTheyArrive) {
   std::mutex mutex;
   std::vector<std::string> messages;
   std::promise<void> closed;
-  web::Transport transport(
-      std::move(peer.ourRead), std::move(peer.ourWrite),
-      [&](std::string_view text) {
-        std::lock_guard lock(mutex);
-        messages.emplace_back(text);
-      },
-      [&](const QString&) { closed.set_value(); });
+  web::Transport transport(std::move(peer.ourRead), std::move(peer.ourWrite),
+                           {[&](std::string_view text) {
+                              std::lock_guard lock(mutex);
+                              messages.emplace_back(text);
+                            },
+                            [](auto) {}, [&](const QString&) { closed.set_value(); }});
   peer.say("one\0two\0th"s);
   ASSERT_TRUE(support::waitFor([&] {
     std::lock_guard lock(mutex);
@@ -79,8 +78,8 @@ TEST(Framing, MessagesAreWholeHoweverTheyArrive) {
 
 TEST(Framing, LargeMessagesGoOutWholeAndInOrder) {
   Peer peer;
-  web::Transport transport(
-      std::move(peer.ourRead), std::move(peer.ourWrite), [](auto) {}, [](auto&) {});
+  web::Transport transport(std::move(peer.ourRead), std::move(peer.ourWrite),
+                           {[](auto) {}, [](auto) {}, [](auto&) {}});
   const QByteArray large(3 << 20, 'y');
   transport.send(large);
   transport.send("after");
@@ -90,9 +89,8 @@ TEST(Framing, LargeMessagesGoOutWholeAndInOrder) {
 TEST(Framing, APeerThatIsGoneClosesInsteadOfKilling) {
   Peer peer;
   std::promise<void> closed;
-  web::Transport transport(
-      std::move(peer.ourRead), std::move(peer.ourWrite), [](auto) {},
-      [&](auto&) { closed.set_value(); });
+  web::Transport transport(std::move(peer.ourRead), std::move(peer.ourWrite),
+                           {[](auto) {}, [](auto) {}, [&](auto&) { closed.set_value(); }});
   peer.read.reset();
   transport.send("nobody reads this");
   EXPECT_EQ(closed.get_future().wait_for(std::chrono::seconds(30)), std::future_status::ready);
@@ -135,6 +133,27 @@ TEST_F(ConnectionTest, RepliesFindTheirCommandsInAnyOrder) {
            "\0"s);
   ASSERT_TRUE(outcome(2));
   EXPECT_EQ(outcomes, QStringList({u"second"_s, u"first"_s}));
+}
+
+TEST_F(ConnectionTest, ALargeReplyIsAnnouncedOnceBeforeItIsWhole) {
+  int announced = 0;
+  QByteArray data;
+  session->sendForData(
+      u"A.a"_s, {}, {"v", [&] { ++announced; }},
+      [&](const Result<web::DataReply>& reply) { data = reply ? reply->data : "error"; });
+  send(u"B.b"_s);
+  peer.say(R"({"id":2,"res)");
+  peer.say(R"(ult":{"v":"small"}})"
+           "\0"s
+           R"({"id":1,"result":{"v":"aGVs)");
+  ASSERT_TRUE(support::waitFor([&] { return announced > 0; }));
+  EXPECT_EQ(data, "");
+  peer.say(R"(bG8=)");
+  peer.say(R"("}})"
+           "\0"s);
+  ASSERT_TRUE(support::waitFor([&] { return !data.isEmpty(); }));
+  EXPECT_EQ(data, "hello");
+  EXPECT_EQ(announced, 1);
 }
 
 TEST_F(ConnectionTest, ALateReplyDoesNotEndACommandTwice) {
