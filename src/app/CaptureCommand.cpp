@@ -149,7 +149,7 @@ Result<std::optional<QUrl>> CaptureCommand::preparePlace(CVDefaultPreferences& s
   if (options_.multipage) return std::nullopt;
   const std::optional<QString> file = options_.outputFile();
   const QFileInfo place(options_.output.value_or(u"."_s));
-  const QString folder = file ? place.absolutePath() : place.absoluteFilePath();
+  const QString folder = QDir::cleanPath(file ? place.absolutePath() : place.absoluteFilePath());
   if (!QDir().mkpath(folder)) {
     return sourceError(u"The folder “%1” cannot be made."_s.arg(folder));
   }

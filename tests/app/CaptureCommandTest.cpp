@@ -82,7 +82,7 @@ TEST_F(CaptureCommandTest, SourcesBecomeFilesNamedByTheirTitles) {
   page(u"a.html"_s, u"First"_s);
   page(u"b.html"_s, u"Second"_s);
   const Outcome run =
-      capture({u"a.html"_s, u"b.html"_s, u"-o"_s, u"out"_s, u"--format"_s, u"PNG"_s});
+      capture({u"a.html"_s, u"b.html"_s, u"-o"_s, u"out/"_s, u"--format"_s, u"PNG"_s});
   EXPECT_EQ(run.status, 0);
   EXPECT_EQ(run.errors, QString());
   EXPECT_EQ(run.lines(), (QStringList{folder.filePath(u"out/First.png"_s),
