@@ -4,13 +4,14 @@
 #include <QElapsedTimer>
 #include <QFileInfo>
 
+#include "app/CaptureSettings.h"
 #include "app/FixedSavePanel.h"
+#include "app/OutputName.h"
 #include "capture/CVURLEntry.h"
 #include "delivery/CVUtils.h"
 #include "delivery/PDFMultipageAssembler.h"
 #include "intake/RequestInput.h"
 #include "platform/dispatch/Dispatch.h"
-#include "platform/printing/PrintInfo.h"
 #include "platform/web/Engine.h"
 #include "queue/CVEntryTaskManager.h"
 #include "settings/CVDefaultPreferences.h"
@@ -123,7 +124,7 @@ CaptureCommand::~CaptureCommand() = default;
 
 void CaptureCommand::run(CVDefaultPreferences& settings, Finished finished) {
   finished_ = std::move(finished);
-  applyTo(settings);
+  applyOptions(options_, settings);
   const auto file = preparePlace(settings);
   if (!file) {
     for (qsizetype index = 0; index < options_.sources.size(); ++index) {
@@ -142,35 +143,13 @@ void CaptureCommand::run(CVDefaultPreferences& settings, Finished finished) {
     startNext();
 }
 
-void CaptureCommand::applyTo(CVDefaultPreferences& settings) const {
-  settings.setFormat(options_.format);
-  settings.setConversionMode(options_.mode);
-  settings.setDefaultSnapshotWidth(options_.width);
-  settings.setCompression(options_.compression);
-  settings.setPrependTitleWithWebsiteDomain(options_.prependDomain);
-  settings.setProcessAutomatically(true);
-  settings.setUsePagination(options_.paginate);
-  settings.setMargin(options_.margin);
-  settings.setOrientation(options_.orientation);
-  settings.setIncludeHeadersAndFooters(options_.headers);
-  if (options_.font) settings.setHeaderAndFooterFont(options_.font);
-  settings.setNotes(options_.notes);
-  settings.setDestination(options_.destination);
-  if (!options_.paper) return;
-  printing::PrintInfo info = printing::PrintInfo::sharedPrintInfo();
-  info.setPaperSize(*options_.paper);
-  printing::PrintInfo::setSharedPrintInfo(info);
-}
-
 /// Sets the folder for the results, which is made if it is missing; or returns the file that a
 /// single source goes to.
 Result<std::optional<QUrl>> CaptureCommand::preparePlace(CVDefaultPreferences& settings) {
   if (options_.multipage) return std::nullopt;
-  const QString output = options_.output.value_or(u"."_s);
-  const QFileInfo place(output);
-  const bool isFile = options_.sources.size() == 1 && !place.isDir() && !output.endsWith(u'/') &&
-                      !place.suffix().isEmpty();
-  const QString folder = isFile ? place.absolutePath() : place.absoluteFilePath();
+  const std::optional<QString> file = options_.outputFile();
+  const QFileInfo place(options_.output.value_or(u"."_s));
+  const QString folder = QDir::cleanPath(file ? place.absolutePath() : place.absoluteFilePath());
   if (!QDir().mkpath(folder)) {
     return sourceError(u"The folder “%1” cannot be made."_s.arg(folder));
   }
@@ -178,8 +157,8 @@ Result<std::optional<QUrl>> CaptureCommand::preparePlace(CVDefaultPreferences& s
     return sourceError(u"The folder “%1” cannot be written to."_s.arg(folder));
   }
   settings.setDownloadLocation(QUrl::fromLocalFile(folder));
-  if (!isFile) return std::nullopt;
-  return QUrl::fromLocalFile(place.absoluteFilePath());
+  if (!file) return std::nullopt;
+  return QUrl::fromLocalFile(OutputName::withExtension(place.absoluteFilePath(), options_.format));
 }
 
 void CaptureCommand::startNext() {
@@ -222,9 +201,11 @@ void CaptureCommand::process(const std::shared_ptr<Job>& job) {
 }
 
 void CaptureCommand::processForMultipage(const std::shared_ptr<Job>& job) {
-  dispatch::globalAsync(dispatch::Priority::High, [this, job] {
+  const auto mode = CVObjectRepository::singleton().getPreferences()->conversionMode();
+  dispatch::globalAsync(dispatch::Priority::High, [this, job, mode] {
     MaybeError error;
-    const auto file = job->entry->createTemporaryPDFWithConversionMode(options_.mode, error);
+    const auto file =
+        job->entry->createTemporaryPDFWithConversionMode(mode.value_or(QString()), error);
     dispatch::mainAsync([=, this] {
       if (!error) multipageParts_[static_cast<std::size_t>(job->index)] = file;
       end(job, error);

@@ -37,7 +37,6 @@ class CaptureCommand {
   void processForMultipage(const std::shared_ptr<Job>& job);
   void writeMultipage(const Finished& finished);
   Result<std::optional<QUrl>> preparePlace(CVDefaultPreferences& settings);
-  void applyTo(CVDefaultPreferences& settings) const;
   std::optional<QString> resultFile(const CVURLEntry& entry) const;
   void startNext();
   void start(const std::shared_ptr<Job>& job, const Page& page);

@@ -5,6 +5,7 @@
 #include <QPageSize>
 #include <cmath>
 
+#include "app/OutputName.h"
 #include "settings/CVPreferences.h"
 
 using namespace Qt::StringLiterals;
@@ -26,10 +27,11 @@ struct OptionText {
 /// Every option with a value or a flag, as the parser and the help show it.
 constexpr OptionText optionTexts[] = {
     {"output", "PATH",
-     "Folder for the files (default: the current one), or the file for a single source; "
-     "the format's extension is added where it is missing."},
+     "Folder for the files (default: the current one), or the file for a single source. Without "
+     "--format its extension says the format; where the extension is missing or another format's, "
+     "the right one is added."},
     {"format", "FORMAT", "PDF (default), BMP, GIF, JPEG, JP2, PNG or TIFF."},
-    {"mode", "MODE", "Vector (default) or Image; for PDF."},
+    {"mode", "MODE", "Vector (default) or Image (default for Printer); for PDF."},
     {"width", "POINTS", "Width of the page's layout (default: 1024)."},
     {"scale", "FACTOR", "Device pixels per point in pictures (default: 1)."},
     {"compression", "FACTOR", "JPEG and JP2: 0.0 (smallest file) to 1.0 (best picture, default)."},
@@ -47,6 +49,23 @@ constexpr OptionText optionTexts[] = {
     {"quiet", nullptr, "Only errors."},
     {"verbose", nullptr, "Diagnostics on standard error."},
 };
+
+constexpr qsizetype helpIndent = 26;
+constexpr qsizetype helpWidth = 100;
+
+/// The text in lines, all but the first indented to the column of the help's texts.
+QString inHelpColumn(const QString& text) {
+  QString lines;
+  qsizetype column = helpIndent;
+  for (const QString& word : text.split(u' ')) {
+    const bool fits = column + word.size() < helpWidth;
+    if (!lines.isEmpty()) lines += fits ? u" "_s : u'\n' + QString(helpIndent, u' ');
+    if (!fits) column = helpIndent;
+    column += word.size() + 1;
+    lines += word;
+  }
+  return lines + u'\n';
+}
 
 QString optionName(const char* name) {
   return QString::fromLatin1(name);
@@ -83,7 +102,8 @@ class Reader {
     return parser_.value(optionName(name));
   }
 
-  void choice(const char* name, const QStringList& choices, QString& value) {
+  template <class Text>
+  void choice(const char* name, const QStringList& choices, Text& value) {
     const auto given = text(name);
     if (!given) return;
     const auto chosen = oneOf(choices, *given);
@@ -91,7 +111,7 @@ class Reader {
       fail(u"“%1” is not a value of --%2; use one of %3."_s.arg(*given, optionName(name),
                                                                 choices.join(u", "_s)));
     }
-    value = chosen.value_or(value);
+    if (chosen) value = *chosen;
   }
 
   template <class Number>
@@ -121,16 +141,12 @@ class Reader {
 };
 
 void readFormat(Reader& reader, CaptureOptions& options) {
-  const QStringList formats = CVPreferences::getConversionFormats();
-  reader.choice("format", formats, options.format);
+  reader.choice("format", CVPreferences::getConversionFormats(), options.format);
   reader.choice("mode", CVPreferences::getConversionModes(), options.mode);
-  if (reader.flag("format") || !options.output) return;
+  const std::optional<QString> file = options.outputFile();
+  if (reader.flag("format") || !file) return;
   // A file name says what is wanted as well as --format does.
-  const QString extension = QFileInfo(*options.output).suffix().toLower();
-  for (const QString& format : formats) {
-    if (CVPreferences::getExtensionForConversionFormat(format) == extension)
-      options.format = format;
-  }
+  options.format = OutputName::format(*file).value_or(options.format);
 }
 
 void readFont(Reader& reader, CaptureOptions& options) {
@@ -201,6 +217,10 @@ void readDestination(Reader& reader, CaptureOptions& options) {
   if (options.multipage && options.format != u"PDF"_s) {
     reader.fail(u"--multipage makes a PDF; leave --format out."_s);
   }
+  if (options.destination == u"Printer"_s && options.format != u"PDF"_s) {
+    reader.fail(
+        u"--destination Printer prints the pages of a PDF; %1 has none."_s.arg(options.format));
+  }
   if (options.sources.count(u"-"_s) > 1) {
     reader.fail(u"Standard input carries one request; name \"-\" once."_s);
   }
@@ -213,6 +233,13 @@ void readReport(const Reader& reader, CaptureOptions& options) {
 }
 
 }  // namespace
+
+std::optional<QString> CaptureOptions::outputFile() const {
+  if (!output || sources.size() != 1) return std::nullopt;
+  const QFileInfo place(*output);
+  const bool isFile = !place.isDir() && !output->endsWith(u'/') && !place.suffix().isEmpty();
+  return isFile ? output : std::nullopt;
+}
 
 Result<CaptureOptions::Parsed> CaptureOptions::parse(const QStringList& arguments) {
   QCommandLineParser parser;
@@ -253,7 +280,7 @@ QString CaptureOptions::help() {
     QString name = u"  --"_s + optionName(option.name);
     if (name == u"  --output"_s) name = u"  -o, --output"_s;
     if (option.value) name += u' ' + QString::fromLatin1(option.value);
-    text += name.leftJustified(26) + QString::fromLatin1(option.description) + u'\n';
+    text += name.leftJustified(helpIndent) + inHelpColumn(QString::fromLatin1(option.description));
   }
   text +=
       u"  -h, --help              This text.\n"

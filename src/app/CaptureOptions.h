@@ -20,7 +20,8 @@ struct CaptureOptions {
   std::optional<QString> multipage;
   QString destination = QStringLiteral("Disk");
   QString format = QStringLiteral("PDF");
-  QString mode = QStringLiteral("Vector");
+  /// None: Vector, or what the destination brings with it.
+  std::optional<QString> mode;
   /// Points.
   std::uint64_t width = 1024;
   /// Device pixels per point.
@@ -37,6 +38,9 @@ struct CaptureOptions {
   std::optional<QString> notes;
   /// Points; none: the paper of the locale.
   std::optional<QSizeF> paper;
+
+  /// `output` where it names the file of the one source; none where it names a folder.
+  std::optional<QString> outputFile() const;
 
   ReportForm report = ReportForm::Text;
   Verbosity verbosity = Verbosity::Normal;

@@ -10,6 +10,7 @@ class FixedSavePanel : public CVSavePanel {
   void beginSheet(const std::shared_ptr<CVPreferences>& preferences, const QString& name,
                   const std::optional<QUrl>& folder,
                   std::function<void(std::optional<QUrl>)> completion) override;
+  ChosenNames chosenNames() const override { return ChosenNames::Kept; }
 
  private:
   const QUrl file_;

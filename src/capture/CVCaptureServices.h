@@ -12,6 +12,10 @@ namespace web {
 class Engine;
 }
 
+/// What becomes of a chosen name that does not end in the extension of its format: it gets that
+/// extension appended, or it is the file's name as it stands.
+enum class ChosenNames { Completed, Kept };
+
 /// Asks the user where an entry's result goes and how it is converted. Main thread.
 class CVSavePanel {
  public:
@@ -23,6 +27,8 @@ class CVSavePanel {
   virtual void beginSheet(const std::shared_ptr<CVPreferences>& preferences, const QString& name,
                           const std::optional<QUrl>& folder,
                           std::function<void(std::optional<QUrl> chosen)> completion) = 0;
+
+  virtual ChosenNames chosenNames() const { return ChosenNames::Completed; }
 };
 
 class CVMiniBrowserWindowController;

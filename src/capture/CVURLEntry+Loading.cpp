@@ -53,6 +53,7 @@ void CVURLEntry::dropViews() {
   {
     std::lock_guard lock(resultMutex_);
     conversionAhead_.reset();
+    loadedPage_.reset();
   }
   if (webView_) webView_->stopLoading();
   webView_.reset();
@@ -124,7 +125,12 @@ void CVURLEntry::failLoad(const Error& error) {
   endStep(prepareCompletion_, error);
   setCompletionFactor(1.0);
   loadError_ = error;
-  endStep(processWhenLoaded_, error);
+  callWaiting(error);
+}
+
+void CVURLEntry::callWaiting(const MaybeError& error) {
+  for (const LoadEnded& waiting : std::exchange(whenLoaded_, {}))
+    waiting(error);
 }
 
 void CVURLEntry::completeLoad() {
@@ -134,6 +140,10 @@ void CVURLEntry::completeLoad() {
   webView_->setResourceLoadDelegate({});
   wkWebView_->setNavigationDelegate({});
   stopObservingLoading();
+  {
+    std::lock_guard lock(resultMutex_);
+    loadedPage_ = capture::heldOnAnyThread(webView_->page());
+  }
   if (services_.thumbnails == Thumbnails::Made)
     renderThumbnail();
   else
@@ -142,7 +152,7 @@ void CVURLEntry::completeLoad() {
   setCompletionFactor(1.0);
   setState(CVEntryStateDownloaded);
   endStep(prepareCompletion_, std::nullopt);
-  if (processWhenLoaded_) startProcessing(std::exchange(processWhenLoaded_, nullptr));
+  callWaiting(std::nullopt);
 }
 
 void CVURLEntry::stopObservingLoading() {
@@ -155,7 +165,7 @@ void CVURLEntry::workAhead() {
   const bool converts = services_.conversions == Conversions::Ahead &&
                         !CVObjectRepository::singleton().getPreferences()->usePagination();
   if (converts) return convertAhead();
-  if (const auto engine = page()) rendering::settle(engine, {}, [](const MaybeError&) {});
+  if (const auto engine = loadedPage()) rendering::settle(engine, {}, [](const MaybeError&) {});
 }
 
 void CVURLEntry::renderThumbnail() {
@@ -166,12 +176,12 @@ void CVURLEntry::renderThumbnail() {
   if (!snapshots) return renderImageFromWebView(storeImage);
   wkWebView_->evaluateJavaScript(
       u"window.scrollTo(0, 768)"_s,
-      [entry = self(), storeImage, loaded = page()](const Result<QJsonValue>&) {
+      [entry = self(), storeImage, loaded = loadedPage()](const Result<QJsonValue>&) {
         // The page may have been loaded anew meanwhile.
-        if (entry->page() != loaded) return;
+        if (entry->loadedPage() != loaded) return;
         entry->renderImageFromWKWebView(
             [entry, storeImage, loaded](std::shared_ptr<const imaging::Image> image) {
-              if (entry->page() != loaded) return;
+              if (entry->loadedPage() != loaded) return;
               storeImage(std::move(image));
               entry->setWKWebViewRealHeight();
               entry->workAhead();

@@ -6,6 +6,7 @@
 #include "capture/CVURLEntry.h"
 #include "capture/CVWebDocumentView.h"
 #include "capture/CaptureError.h"
+#include "capture/ConversionTurn.h"
 #include "capture/LowDocument.h"
 #include "capture/MainQueueWait.h"
 #include "delivery/CVUtils.h"
@@ -37,10 +38,6 @@ void setMargins(printing::PrintInfo& info, double points) {
 }
 
 }  // namespace
-
-std::shared_ptr<web::Page> CVURLEntry::page() const {
-  return webView_ ? webView_->page() : nullptr;
-}
 
 QUrl CVURLEntry::doProcessingForTextConversionModeWithPreferences(
     const std::shared_ptr<CVPreferences>& preferences, MaybeError& error, bool risky) {
@@ -146,6 +143,7 @@ std::optional<QUrl> CVURLEntry::createTemporaryPDFWithConversionMode(const QStri
   preferences->setConversionMode(mode);
   preferences->setUsePagination(true);
   preferences->setFormat(u"PDF"_s);
+  const ConversionTurn turn(*this, loadedPage());
   {
     std::lock_guard lock(resultMutex_);
     preferences_ = preferences;

@@ -4,6 +4,7 @@
 #include "capture/CVURLEntry.h"
 #include "capture/CaptureError.h"
 #include "capture/ConversionAhead.h"
+#include "capture/ConversionTurn.h"
 #include "capture/ResultName.h"
 #include "delivery/CVUtils.h"
 #include "platform/dispatch/Dispatch.h"
@@ -55,9 +56,11 @@ void CVURLEntry::endStep(Completion& completion, const MaybeError& error) {
 }
 
 void CVURLEntry::startProcessing(Completion completion) {
-  const bool loads = cancelSource_ != nullptr;
-  if (loads) {
-    processWhenLoaded_ = std::move(completion);
+  if (isLoading()) {
+    whenLoaded_.push_back([this, completion](const MaybeError& error) mutable {
+      if (error) return endStep(completion, error);
+      startProcessing(std::move(completion));
+    });
     return;
   }
   if (webView_) webView_->stopLoading();
@@ -65,7 +68,6 @@ void CVURLEntry::startProcessing(Completion completion) {
   processCompletion_ = std::move(completion);
   setCompletionFactor(-1.0);
   const std::shared_ptr<CVPreferences> snapshot = applicationSettings()->copyWithZone();
-  usePreferences(snapshot);
   const bool nobodyToAsk = !services_.savePanel;
   if (applicationSettings()->processAutomatically() || nobodyToAsk) {
     startAutomatically(snapshot);
@@ -79,11 +81,16 @@ void CVURLEntry::usePreferences(const std::shared_ptr<CVPreferences>& preference
   preferences_ = preferences;
 }
 
+void CVURLEntry::holdPageForProcessing() {
+  processedPage_ = {loadedPage(), currentURL().value_or(QUrl()), title()};
+}
+
 void CVURLEntry::startAutomatically(const std::shared_ptr<CVPreferences>& preferences) {
+  holdPageForProcessing();
   dispatch::globalAsync(dispatch::Priority::High, [entry = self(), preferences] {
     const QUrl folder = applicationSettings()->downloadLocation().value_or(QUrl());
     preferences->setDownloadLocation(capture::resultInFolder(
-        folder, entry->title().value_or(unknownTitle()), preferences->format()));
+        folder, entry->processedPage_.title.value_or(unknownTitle()), preferences->format()));
     entry->doProcessingWithPreferences(preferences);
   });
 }
@@ -102,9 +109,17 @@ void CVURLEntry::savePanelEnded(const std::shared_ptr<CVPreferences>& preference
     endStep(processCompletion_, std::nullopt);
     return;
   }
-  preferences->setDownloadLocation(capture::withExtensionOfFormat(*chosen, preferences->format()));
-  // A document of the whole queue may have put its own in their place meanwhile.
-  usePreferences(preferences);
+  if (isLoading()) {
+    whenLoaded_.push_back([this, preferences, chosen](const MaybeError& error) {
+      if (error) return endStep(processCompletion_, error);
+      savePanelEnded(preferences, chosen);
+    });
+    return;
+  }
+  holdPageForProcessing();
+  const bool completed = services_.savePanel->chosenNames() == ChosenNames::Completed;
+  preferences->setDownloadLocation(
+      completed ? capture::withExtensionOfFormat(*chosen, preferences->format()) : *chosen);
   dispatch::globalAsync(dispatch::Priority::High, [entry = self(), preferences] {
     entry->doProcessingWithPreferences(preferences);
   });
@@ -116,7 +131,7 @@ void CVURLEntry::doProcessingWithPreferences(const std::shared_ptr<CVPreferences
 
 void CVURLEntry::executeProcessingWithPreferences(
     const std::shared_ptr<CVPreferences>& preferences) {
-  setState(CVEntryStateProcessing);
+  if (showsProcessedPage()) setState(CVEntryStateProcessing);
   MaybeError error;
   const QUrl temporary = convert(preferences, error);
   if (!error) {
@@ -137,9 +152,11 @@ QUrl CVURLEntry::convert(const std::shared_ptr<CVPreferences>& preferences, Mayb
     std::lock_guard lock(resultMutex_);
     ahead = std::exchange(conversionAhead_, nullptr);
   }
+  // Waited for before the turn, which it needs for itself.
+  const capture::Conversion conversion = ahead ? ahead->take() : capture::Conversion();
+  const ConversionTurn turn(*this, processedPage_.page);
+  usePreferences(preferences);
   if (!ahead) return convertNow(preferences, error);
-  // One that does not suit is waited for too: the page can be converted once at a time.
-  const capture::Conversion conversion = ahead->take();
   if (!ahead->suits(*preferences)) {
     QFile::remove(conversion.file.toLocalFile());
     return convertNow(preferences, error);
@@ -160,7 +177,8 @@ QUrl CVURLEntry::convertNow(const std::shared_ptr<CVPreferences>& preferences, M
 void CVURLEntry::convertAhead() {
   auto ahead = capture::ConversionAhead::begin(
       applicationSettings()->copyWithZone(),
-      [entry = self()](const std::shared_ptr<CVPreferences>& preferences) {
+      [entry = self(), page = loadedPage()](const std::shared_ptr<CVPreferences>& preferences) {
+        const ConversionTurn turn(*entry, page);
         capture::Conversion conversion;
         conversion.file = entry->convertNow(preferences, conversion.error);
         conversion.facts = entry->conversionFacts();
@@ -198,9 +216,9 @@ void CVURLEntry::writeDocument(const QUrl& temporary, const QUrl& target, MaybeE
     return;
   }
   if (!title()) setTitle(unknownTitle());
-  const QString address = currentURL().value_or(QUrl()).toString(QUrl::FullyEncoded);
+  const QString address = processedPage_.address.toString(QUrl::FullyEncoded);
   (*document)->setDocumentAttributes({
-      {pdf::PDFDocumentTitleAttribute, title().value_or(QString())},
+      {pdf::PDFDocumentTitleAttribute, processedPage_.title.value_or(unknownTitle())},
       {pdf::PDFDocumentCreatorAttribute, address},
       {pdf::PDFDocumentSubjectAttribute, address},
       {pdf::PDFDocumentAuthorAttribute, address},
@@ -224,7 +242,7 @@ void CVURLEntry::writePicture(const QUrl& temporary, const QUrl& target,
   const auto data = QByteArray::fromRawData(reinterpret_cast<const char*>(bytes), file.size());
   const unsigned type = CVPreferences::getFileTypeForConversionFormat(preferences.format());
   utils()->saveDataToFile(data, target, type, preferences.compression(), error,
-                          currentURL().value_or(QUrl()).toString(QUrl::FullyEncoded));
+                          processedPage_.address.toString(QUrl::FullyEncoded));
 }
 
 void CVURLEntry::deliverElsewhere(const QUrl& temporary, CVPreferences& preferences,
@@ -250,7 +268,17 @@ void CVURLEntry::deliverElsewhere(const QUrl& temporary, CVPreferences& preferen
   if (destination == u"DropBox"_s) utils()->uploadFileToDropBox(target);
 }
 
+bool CVURLEntry::showsProcessedPage() const {
+  return loadedPage() == processedPage_.page;
+}
+
 void CVURLEntry::endProcessing(const MaybeError& error) {
+  if (showsProcessedPage()) showOutcome(error);
+  processedPage_.page.reset();
+  endStep(processCompletion_, error);
+}
+
+void CVURLEntry::showOutcome(const MaybeError& error) {
   if (error) {
     auto record = std::make_shared<CVError>();
     setError(record);
@@ -258,7 +286,6 @@ void CVURLEntry::endProcessing(const MaybeError& error) {
     record->setErrorDescription(error->localizedDescription);
   }
   setState(CVEntryStateDone);
-  endStep(processCompletion_, error);
 }
 
 bool CVURLEntry::canBeRevealed() const {

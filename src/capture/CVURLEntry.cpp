@@ -50,6 +50,16 @@ void CVURLEntry::displayAdjustmentWindow() {
   miniBrowser_->makeKeyAndOrderFront();
 }
 
+std::shared_ptr<web::Page> CVURLEntry::loadedPage() const {
+  std::lock_guard lock(resultMutex_);
+  return loadedPage_;
+}
+
+std::shared_ptr<web::Page> CVURLEntry::page() const {
+  std::lock_guard lock(resultMutex_);
+  return convertedPage_;
+}
+
 std::optional<QUrl> CVURLEntry::resultLocation() const {
   std::lock_guard lock(resultMutex_);
   return preferences_ ? preferences_->downloadLocation() : std::nullopt;

@@ -4,8 +4,10 @@
 #include <future>
 #include <memory>
 #include <optional>
+#include <vector>
 
 #include "capture/CVCaptureServices.h"
+#include "capture/LoadedPage.h"
 #include "capture/PagePicture.h"
 #include "platform/dispatch/Timer.h"
 #include "platform/printing/PrintOperation.h"
@@ -100,7 +102,9 @@ class CVURLEntry : public CVEntry,
                               const std::optional<QString>& source, const QSizeF& size) override;
 
  private:
+  class ConversionTurn;
   using ImageCompletion = std::function<void(std::shared_ptr<const imaging::Image>)>;
+  using LoadEnded = std::function<void(const MaybeError&)>;
 
   std::shared_ptr<CVURLEntry> self();
   std::shared_ptr<CVUtils> utils() const;
@@ -112,6 +116,10 @@ class CVURLEntry : public CVEntry,
   void loadViews();
   void failLoad(const Error& error);
   void completeLoad();
+  bool isLoading() const { return cancelSource_ != nullptr; }
+  void callWaiting(const MaybeError& error);
+  /// The page that has loaded; none while it loads and after a failure. Any thread.
+  std::shared_ptr<web::Page> loadedPage() const;
   void stopObservingLoading();
   void workAhead();
   void renderThumbnail();
@@ -129,6 +137,7 @@ class CVURLEntry : public CVEntry,
   void startWithSavePanel(const std::shared_ptr<CVPreferences>& preferences);
   void savePanelEnded(const std::shared_ptr<CVPreferences>& preferences,
                       const std::optional<QUrl>& chosen);
+  void holdPageForProcessing();
   void doProcessingWithPreferences(const std::shared_ptr<CVPreferences>& preferences);
   void executeProcessingWithPreferences(const std::shared_ptr<CVPreferences>& preferences);
   QUrl convert(const std::shared_ptr<CVPreferences>& preferences, MaybeError& error);
@@ -140,7 +149,10 @@ class CVURLEntry : public CVEntry,
   void writeDocument(const QUrl& temporary, const QUrl& target, MaybeError& error);
   void writePicture(const QUrl& temporary, const QUrl& target, const CVPreferences& preferences,
                     MaybeError& error);
+  /// False once the entry is loaded anew: its state and error are then that load's.
+  bool showsProcessedPage() const;
   void endProcessing(const MaybeError& error);
+  void showOutcome(const MaybeError& error);
 
   // Pictures (CVURLEntry+ImageConversion.cpp)
   Result<PagePicture> picturePage(const CVPreferences& preferences, const QUrl& target);
@@ -153,6 +165,7 @@ class CVURLEntry : public CVEntry,
                                const QUrl& target);
   MaybeError printThroughWorker(const QUrl& target);
   void doPrintPDFFromView();
+  /// The page of the conversion whose turn it is. Any thread.
   std::shared_ptr<web::Page> page() const;
 
   const CVCaptureServices services_;
@@ -163,8 +176,11 @@ class CVURLEntry : public CVEntry,
   /// What waits for the step that is under way; each is called once.
   Completion prepareCompletion_;
   Completion processCompletion_;
-  /// Processing that was asked for while the page still loads.
-  Completion processWhenLoaded_;
+  /// What was asked for while the page loads and needs it loaded. Called by this entry alone.
+  std::vector<LoadEnded> whenLoaded_;
+  /// Set on the main thread before the processing that it is for begins on a pool thread.
+  capture::LoadedPage processedPage_;
+  /// Replaced under both mutexes.
   std::shared_ptr<CVPreferences> preferences_;
   std::shared_ptr<CVPrintImageView> printImageView_;
   std::shared_ptr<CVPageView> pageView_;
@@ -179,7 +195,11 @@ class CVURLEntry : public CVEntry,
   quint64 finishedLoadingCount_ = 0;
   bool forceJavascript_ = false;
 
+  /// Held by the worker thread of one conversion; before the other one.
+  std::mutex conversionMutex_;
   mutable std::mutex resultMutex_;
+  std::shared_ptr<web::Page> loadedPage_;
+  std::shared_ptr<web::Page> convertedPage_;
   std::shared_ptr<capture::ConversionAhead> conversionAhead_;
   std::optional<CVConversionFacts> conversionFacts_;
 };

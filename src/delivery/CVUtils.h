@@ -127,11 +127,22 @@ class CVUtils {
   /// The script's result; none when it failed or there is no script system.
   std::optional<QString> runAppleScript(const QString& script) const;
 
+  /// What a browser's front tab shows, and where.
+  struct FrontDocument {
+    std::optional<QString> document;
+    std::optional<QUrl> url;
+  };
+
   std::optional<QString> getDOMFromSafari() const;
   std::optional<QString> getSourceFromSafari() const;
   std::optional<QString> getDOMFromChrome() const;
   std::optional<QUrl> getURLFromSafari() const;
   std::optional<QUrl> getURLFromChrome() const;
+
+  /// Document and address of one page, also when the browser's user goes on to another tab
+  /// meanwhile: the address that came with the texts counts, and it is asked for only where none
+  /// did.
+  FrontDocument getFrontDocumentFromChrome() const;
 
   /// By bundle identifier, for instance "com.google.Chrome".
   bool applicationIsRunning(const QString& bundleIdentifier) const;

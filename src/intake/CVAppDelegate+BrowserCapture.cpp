@@ -38,8 +38,7 @@ bool CVAppDelegate::captureFromChrome() {
   withMainWindow([](CVMainWindow& window) { window.closeAddPopover(); });
   const auto service = utils();
   if (!service) return false;
-  const std::optional<QString> document = service->getDOMFromChrome();
-  const std::optional<QUrl> url = service->getURLFromChrome();
+  const auto [document, url] = service->getFrontDocumentFromChrome();
   if (!document || !url || url->scheme() == u"chrome"_s) return false;
   addEntryWithSource(document, *url, false);
   return true;

@@ -7,11 +7,14 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-std::optional<QUrl> addressOf(const std::shared_ptr<browsers::FrontPage>& page) {
-  const auto text = page ? page->address() : std::nullopt;
+std::optional<QUrl> addressWithText(const std::optional<QString>& text) {
   if (!text || text->isEmpty()) return std::nullopt;
   const QUrl url(*text);
   return url.isValid() ? std::optional(url) : std::nullopt;
+}
+
+std::optional<QUrl> addressOf(const std::shared_ptr<browsers::FrontPage>& page) {
+  return page ? addressWithText(page->address()) : std::nullopt;
 }
 
 browsers::PageTexts capturedFrom(const std::shared_ptr<browsers::FrontPage>& page) {
@@ -39,6 +42,12 @@ std::optional<QString> CVUtils::getSourceFromSafari() const {
 std::optional<QString> CVUtils::getDOMFromChrome() const {
   const auto texts = capturedFrom(services_.chrome);
   return mergePageCode(texts.document, texts.styles, texts.frames);
+}
+
+CVUtils::FrontDocument CVUtils::getFrontDocumentFromChrome() const {
+  const auto texts = capturedFrom(services_.chrome);
+  return {mergePageCode(texts.document, texts.styles, texts.frames),
+          texts.address ? addressWithText(texts.address) : getURLFromChrome()};
 }
 
 std::optional<QUrl> CVUtils::getURLFromSafari() const {

@@ -4,6 +4,7 @@
 #include <QDir>
 #include <QFile>
 #include <QImage>
+#include <QImageReader>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QProcess>
@@ -81,7 +82,7 @@ TEST_F(CaptureCommandTest, SourcesBecomeFilesNamedByTheirTitles) {
   page(u"a.html"_s, u"First"_s);
   page(u"b.html"_s, u"Second"_s);
   const Outcome run =
-      capture({u"a.html"_s, u"b.html"_s, u"-o"_s, u"out"_s, u"--format"_s, u"PNG"_s});
+      capture({u"a.html"_s, u"b.html"_s, u"-o"_s, u"out/"_s, u"--format"_s, u"PNG"_s});
   EXPECT_EQ(run.status, 0);
   EXPECT_EQ(run.errors, QString());
   EXPECT_EQ(run.lines(), (QStringList{folder.filePath(u"out/First.png"_s),
@@ -150,6 +151,24 @@ TEST_F(CaptureCommandTest, AnExactFileIsReplaced) {
   }
   EXPECT_EQ(QDir(folder.path()).entryList(QDir::Files),
             (QStringList{u"a.html"_s, u"chosen.bmp"_s}));
+}
+
+TEST_F(CaptureCommandTest, AFileIsCalledAndMadeAsItsNameSays) {
+  page(u"a.html"_s, u"First"_s);
+  struct Row {
+    QStringList arguments;
+    QString file;
+    QByteArray format;
+  };
+  for (const Row& row :
+       {Row{{u"-o"_s, u"x.jpeg"_s, u"--format"_s, u"JPEG"_s}, u"x.jpeg"_s, "jpeg"},
+        Row{{u"-o"_s, u"X.PNG"_s}, u"X.PNG"_s, "png"},
+        Row{{u"-o"_s, u"x.jpg"_s, u"--format"_s, u"BMP"_s}, u"x.jpg.bmp"_s, "bmp"}}) {
+    const Outcome run = capture(QStringList{u"a.html"_s} + row.arguments);
+    EXPECT_EQ(run.status, 0) << qPrintable(run.errors);
+    EXPECT_EQ(run.lines(), QStringList{folder.filePath(row.file)});
+    EXPECT_EQ(QImageReader::imageFormat(folder.filePath(row.file)), row.format);
+  }
 }
 
 TEST_F(CaptureCommandTest, ARequestComesOverStandardInput) {

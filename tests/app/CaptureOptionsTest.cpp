@@ -1,6 +1,10 @@
 #include <gtest/gtest.h>
 
 #include "app/CaptureOptions.h"
+#include "app/CaptureSettings.h"
+#include "app/OutputName.h"
+#include "platform/defaults/UserDefaults.h"
+#include "settings/CVDefaultPreferences.h"
 
 using namespace Qt::StringLiterals;
 
@@ -45,9 +49,54 @@ TEST(CaptureOptions, PaginationArrives) {
 }
 
 TEST(CaptureOptions, AFileNameTellsTheFormat) {
-  EXPECT_EQ(parse(u"-o page.tiff a.html"_s)->options.format, u"TIFF"_s);
-  EXPECT_EQ(parse(u"-o page.png --format GIF a.html"_s)->options.format, u"GIF"_s);
-  EXPECT_EQ(parse(u"-o folder a.html"_s)->options.format, u"PDF"_s);
+  const std::pair<QString, QString> rows[] = {
+      {u"-o page.tiff a.html"_s, u"TIFF"_s},
+      {u"-o PAGE.TIF a.html"_s, u"TIFF"_s},
+      {u"a.html -o page.jpeg"_s, u"JPEG"_s},
+      {u"-o page.v2.J2K a.html"_s, u"JP2"_s},
+      {u"-o page.png --format GIF a.html"_s, u"GIF"_s},
+      {u"-o page.webp a.html"_s, u"PDF"_s},
+      {u"-o folder a.html"_s, u"PDF"_s},
+      {u"-o folder.png/ a.html"_s, u"PDF"_s},
+      {u"-o folder.png a.html b.html"_s, u"PDF"_s},
+  };
+  for (const auto& [line, format] : rows)
+    EXPECT_EQ(parse(line)->options.format, format) << qPrintable(line);
+}
+
+TEST(CaptureOptions, AUsualSpellingOfTheExtensionIsKept) {
+  struct Row {
+    QString given, format, name;
+  };
+  for (const Row& row :
+       {Row{u"out/x.jpeg"_s, u"JPEG"_s, u"out/x.jpeg"_s}, Row{u"x.Jpg"_s, u"JPEG"_s, u"x.Jpg"_s},
+        Row{u"X.PNG"_s, u"PNG"_s, u"X.PNG"_s}, Row{u"x.tif"_s, u"TIFF"_s, u"x.tif"_s},
+        Row{u"x.jpf"_s, u"JP2"_s, u"x.jpf"_s}, Row{u"x.jp2"_s, u"JPEG"_s, u"x.jp2.jpg"_s},
+        Row{u"x.pdf"_s, u"PNG"_s, u"x.pdf.png"_s}, Row{u"jpeg"_s, u"JPEG"_s, u"jpeg.jpg"_s}}) {
+    EXPECT_EQ(OutputName::withExtension(row.given, row.format), row.name);
+  }
+}
+
+TEST(CaptureOptions, WhatWasAskedForStandsOverWhatADestinationBringsWithIt) {
+  struct Row {
+    QString line, destination, mode;
+    bool paginates;
+  };
+  for (const Row& row :
+       {Row{u"a"_s, u"Disk"_s, u"Vector"_s, false},
+        Row{u"--mode Image a"_s, u"Disk"_s, u"Image"_s, false},
+        Row{u"--paginate a"_s, u"Disk"_s, u"Vector"_s, true},
+        Row{u"--destination Printer a"_s, u"Printer"_s, u"Image"_s, true},
+        Row{u"--destination Printer --mode Vector a"_s, u"Printer"_s, u"Vector"_s, true},
+        Row{u"--mode Vector --paginate a --destination Printer"_s, u"Printer"_s, u"Vector"_s, true},
+        Row{u"--format PNG --destination E-Mail a"_s, u"E-Mail"_s, u"Image"_s, false}}) {
+    SCOPED_TRACE(row.line.toStdString());
+    CVDefaultPreferences settings(defaults::UserDefaults::inMemory());
+    applyOptions(parse(row.line)->options, settings);
+    EXPECT_EQ(settings.destination(), row.destination);
+    EXPECT_EQ(settings.conversionMode(), row.mode);
+    EXPECT_EQ(settings.usePagination(), row.paginates);
+  }
 }
 
 TEST(CaptureOptions, WhatMakesNoSenseIsRefusedInWords) {
@@ -66,6 +115,7 @@ TEST(CaptureOptions, WhatMakesNoSenseIsRefusedInWords) {
       u"--font Serif a"_s,
       u"--margin -1 a"_s,
       u"--paginate --format PNG a"_s,
+      u"--destination Printer --format PNG a"_s,
       u"--multipage m.pdf -o x a"_s,
       u"--destination Pasteboard a"_s,
       u"--unknown a"_s,

@@ -95,6 +95,7 @@ TEST_F(AddOnTest, TheRunningProgramAsksForTheTabThatTheUserSees) {
   EXPECT_EQ(elsewhere([&] { return front.address(); }), server.url(u"/page"_s).toString());
   const auto texts = elsewhere([&] { return front.capture(); });
   ASSERT_TRUE(texts.document && texts.styles && texts.frames);
+  EXPECT_EQ(texts.address, server.url(u"/page"_s).toString());
   expectPageAsSeen(PageMerging::withFrames(PageMerging::withStyles(*texts.document, *texts.styles),
                                            *texts.frames)
                        .toStdString(),

@@ -10,6 +10,16 @@
 #include "platform/web/Engine.h"
 #include "settings/CVDefaultPreferences.h"
 
+/// A panel that stays open until it is answered.
+class PatientPanel : public CVSavePanel {
+ public:
+  void beginSheet(const std::shared_ptr<CVPreferences>&, const QString&, const std::optional<QUrl>&,
+                  std::function<void(std::optional<QUrl>)> completion) override {
+    answer = std::move(completion);
+  }
+  std::function<void(std::optional<QUrl>)> answer;
+};
+
 /// Entries over the real engine, with settings and a working folder of the test's own.
 class EntryFixture : public testing::Test {
  protected:

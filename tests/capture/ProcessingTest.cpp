@@ -185,20 +185,9 @@ TEST_F(Processing, TheSavePanelDecidesPlaceAndFormat) {
   EXPECT_EQ(results(), QStringList{u"chosen.pdf.png"_s});
 }
 
-/// A panel that stays open until it is answered.
-class PatientPanel : public CVSavePanel {
- public:
-  void beginSheet(const std::shared_ptr<CVPreferences>& preferences, const QString&,
-                  const std::optional<QUrl>&,
-                  std::function<void(std::optional<QUrl>)> completion) override {
-    preferences->setFormat(u"PNG"_s);
-    answer = std::move(completion);
-  }
-  std::function<void(std::optional<QUrl>)> answer;
-};
-
 TEST_F(Processing, APageThatIsLoadedAnewBehindItsPanelIsSavedOnce) {
   settings->setProcessAutomatically(false);
+  settings->setFormat(u"PNG"_s);
   const auto panel = std::make_shared<PatientPanel>();
   services.savePanel = panel;
   for (const std::optional<QUrl>& chosen :

@@ -40,6 +40,19 @@ TEST_F(BrowserCapture, AnAddressThatABrowserShowsIsCapturedFromThere) {
   EXPECT_EQ(window.snaps, 0);
 }
 
+TEST_F(BrowserCapture, AnotherTabThatComesToTheFrontMeanwhileDoesNotGiveItsAddress) {
+  chrome->texts.address = u"https://captured.example/"_s;
+  chrome->shownAddress = u"https://later.example/"_s;
+  delegate->onCaptureFromChrome();
+  ASSERT_TRUE(waitForEntries(1));
+  EXPECT_EQ(entry(0)->initialURL(), QUrl(u"https://captured.example/"_s));
+  // A page of the browser itself is told by the same address.
+  chrome->texts.address = u"chrome://settings/"_s;
+  delegate->onCaptureFromChrome();
+  settle();
+  EXPECT_EQ(table->getEntries().size(), 1U);
+}
+
 TEST_F(BrowserCapture, WithoutScriptAccessTheLoadedSourceIsTakenWithItsScripts) {
   safari->texts = {};
   safari->loadedSource = u"source"_s;

@@ -32,7 +32,7 @@ PageTexts AddOnFrontPage::capture() {
   if (!answer) reason_ = answer.error().localizedDescription;
   if (!answer) return {};
   return {textOf(*answer, u"document"_s), textOf(*answer, u"styles"_s),
-          textOf(*answer, u"frames"_s)};
+          textOf(*answer, u"frames"_s), textOf(*answer, u"address"_s)};
 }
 
 std::optional<QString> AddOnFrontPage::address() {

@@ -37,7 +37,7 @@ Result<PageTexts> captureFrontTab(DevToolsConnection& browser) {
     return browserFailure(NoPage, u"The page in Chrome could not be read: %1"_s.arg(
                                       document.error().localizedDescription));
   return PageTexts{*document, textOf(runInTab(browser, tab->target, stylesProgram())),
-                   textOf(runInTab(browser, tab->target, framesProgram()))};
+                   textOf(runInTab(browser, tab->target, framesProgram())), tab->address};
 }
 
 }  // namespace

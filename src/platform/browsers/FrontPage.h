@@ -12,6 +12,9 @@ struct PageTexts {
   std::optional<QString> styles;
   /// "iframe::" and an encoded document for each inline frame, in document order.
   std::optional<QString> frames;
+  /// Of that very page: its user may have gone on to another tab. None where the browser cannot
+  /// tell it together with the texts.
+  std::optional<QString> address = std::nullopt;
 };
 
 /// The page that one of the user's browsers shows in its front window's active tab.

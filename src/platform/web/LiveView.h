@@ -1,14 +1,14 @@
 #pragma once
 
-#include <QElapsedTimer>
 #include <QImage>
 #include <QSizeF>
 #include <QString>
 #include <deque>
 #include <memory>
+#include <vector>
 
-#include "platform/dispatch/Timer.h"
 #include "platform/web/LiveInput.h"
+#include "platform/web/LivePictures.h"
 #include "platform/web/Page.h"
 #include "platform/web/TextInput.h"
 
@@ -21,9 +21,8 @@ class LiveViewDelegate {
  public:
   virtual ~LiveViewDelegate() = default;
 
-  /// The page as it looks now, to be stretched over the whole area: while the page changes,
-  /// pictures have a pixel for each CSS pixel, and when it comes to rest one for each device pixel.
-  /// Pictures that come faster than they are decoded are left out; the last one always comes.
+  /// The page as it looks now, to be stretched over the whole area. Pictures are quick ones while
+  /// the page changes and sharp when it has come to rest (LivePictures.h).
   virtual void liveViewReceivedPicture(LiveView&, const QImage&) {}
   virtual void liveViewChangedCursor(LiveView&, Qt::CursorShape) {}
   /// The caret is in points of the area, as input is.
@@ -86,15 +85,6 @@ class LiveView : public PageObserver, public std::enable_shared_from_this<LiveVi
   explicit LiveView(std::shared_ptr<Page> page);
   void begin();
   void applySize();
-  int viewportWidth() const;
-  void startScreencast();
-  void handlePicture(const QJsonObject& event);
-  void requestPictureAtRest();
-  void requestSharpPicture();
-  bool endSharpPicture();
-  void decode(const QByteArray& jpeg);
-  void decodeNext();
-  void showPicture(const QImage& picture);
   void deliver(const QString& method, const QJsonObject& parameters);
   void press(const MouseInput& input);
   void openList(ChoiceRequest choice);
@@ -111,18 +101,7 @@ class LiveView : public PageObserver, public std::enable_shared_from_this<LiveVi
   QSizeF size_;
   double devicePixelRatio_ = 1;
   double zoom_ = 1;
-  bool running_ = false;
-
-  /// The newest picture that has not been decoded, as JPEG.
-  QByteArray waitingPicture_;
-  QByteArray lastPicture_;
-  bool decoding_ = false;
-  QElapsedTimer lastKey_;
-  bool takingSharpPicture_ = false;
-  /// Number of the document shown.
-  int document_ = 0;
-  /// The page has not been given the area's size.
-  bool sizeWaits_ = false;
+  std::shared_ptr<LivePictures> pictures_;
 
   /// Input that waits until it is known whether a press opened a list.
   std::deque<HeldInput> held_;
@@ -136,8 +115,6 @@ class LiveView : public PageObserver, public std::enable_shared_from_this<LiveVi
   Qt::CursorShape cursor_ = Qt::ArrowCursor;
   enum class Reading { Idle, UnderWay, Again } readingCaret_ = Reading::Idle;
   TextInput textInput_;
-  std::unique_ptr<dispatch::Timer> restTimer_;
-  Subscription pictures_;
 };
 
 }  // namespace web

@@ -8,43 +8,33 @@
 using namespace Qt::StringLiterals;
 
 namespace web {
-namespace {
-
-/// A page that is busy for longer reports its title late rather than holding back its finish.
-constexpr std::chrono::seconds titleTimeout{2};
-
-}  // namespace
-
 PageLoad::PageLoad(Page& page, Session& session, PageObservers& observers)
-    : page_(page), session_(session), observers_(observers), gate_(session) {}
-
-/// The page is held while a handler runs: an observer may drop it.
-void PageLoad::on(Session& session, const char* method,
-                  void (PageLoad::*handler)(const QJsonObject&)) {
-  subscriptions_.push_back(session.addEventHandler(
-      QString::fromLatin1(method),
-      [this, weak = page_.weak_from_this(), handler](const QJsonObject& event) {
-        if (const auto page = weak.lock()) (this->*handler)(event);
-      }));
-}
+    : page_(page),
+      session_(session),
+      observers_(observers),
+      frames_(page, observers),
+      title_(page, session, observers),
+      gate_(session),
+      subscriptions_(page) {}
 
 void PageLoad::begin() {
-  on(session_, "Page.frameAttached", &PageLoad::handleFrameAttached);
-  on(session_, "Page.frameDetached", &PageLoad::handleFrameDetached);
-  on(session_, "Page.navigatedWithinDocument", &PageLoad::handleNavigatedWithin);
-  on(session_, "Page.frameStartedLoading", &PageLoad::handleStartedLoading);
-  on(session_, "Page.frameStoppedLoading", &PageLoad::handleStoppedLoading);
+  frames_.begin(session_);
+  subscriptions_.add(session_, "Page.navigatedWithinDocument", *this,
+                     &PageLoad::handleNavigatedWithin);
+  subscriptions_.add(session_, "Page.frameStartedLoading", *this, &PageLoad::handleStartedLoading);
+  subscriptions_.add(session_, "Page.frameStoppedLoading", *this, &PageLoad::handleStoppedLoading);
   observeChild(session_);
 }
 
 void PageLoad::observeChild(Session& session) {
-  on(session, "Network.requestWillBeSent", &PageLoad::handleRequest);
-  on(session, "Network.responseReceived", &PageLoad::handleResponse);
-  on(session, "Network.dataReceived", &PageLoad::handleData);
-  on(session, "Network.loadingFinished", &PageLoad::handleRequestEnd);
-  on(session, "Network.loadingFailed", &PageLoad::handleRequestFailure);
-  on(session, "Page.frameNavigated", &PageLoad::handleFrameNavigated);
-  on(session, "Page.lifecycleEvent", &PageLoad::handleLifecycle);
+  frames_.observe(session);
+  subscriptions_.add(session, "Network.requestWillBeSent", *this, &PageLoad::handleRequest);
+  subscriptions_.add(session, "Network.responseReceived", *this, &PageLoad::handleResponse);
+  subscriptions_.add(session, "Network.dataReceived", *this, &PageLoad::handleData);
+  subscriptions_.add(session, "Network.loadingFinished", *this, &PageLoad::handleRequestEnd);
+  subscriptions_.add(session, "Network.loadingFailed", *this, &PageLoad::handleRequestFailure);
+  subscriptions_.add(session, "Page.frameNavigated", *this, &PageLoad::handleFrameNavigated);
+  subscriptions_.add(session, "Page.lifecycleEvent", *this, &PageLoad::handleLifecycle);
 }
 
 void PageLoad::setMainFrame(const QString& identifier) {
@@ -144,18 +134,9 @@ void PageLoad::handleNavigatedWithin(const QJsonObject& event) {
 }
 
 void PageLoad::handleRequest(const QJsonObject& event) {
-  const QString identifier = event[u"requestId"].toString();
-  const QString frame = event[u"frameId"].toString();
-  requestFrames_.insert(identifier, frame);
-  progress_.requestStarted(identifier);
+  progress_.requestStarted(event[u"requestId"].toString());
   const bool isDocument = event[u"type"].toString() == u"Document";
-  if (isDocument && frames_.isMain(frame)) return handleMainRequest(event);
-  const std::optional<Frame> child = frames_.child(frame);
-  if (!isDocument || !child) return;
-  const Frame provisional{frame, Frame::Kind::Child, QUrl(event[u"request"][u"url"].toString())};
-  observers_.notify(event.contains(u"redirectResponse") ? &PageObserver::pageReceivedRedirect
-                                                        : &PageObserver::pageStartedProvisionalLoad,
-                    page_, provisional);
+  if (isDocument && frames_.isMain(event[u"frameId"].toString())) handleMainRequest(event);
 }
 
 void PageLoad::handleMainRequest(const QJsonObject& event) {
@@ -207,7 +188,7 @@ void PageLoad::handleResponse(const QJsonObject& event) {
 
 void PageLoad::handleData(const QJsonObject& event) {
   const QString request = event[u"requestId"].toString();
-  const QString identifier = requestFrames_.value(request);
+  const QString identifier = frames_.frameOfRequest(request);
   const std::optional<Frame> child = frames_.child(identifier);
   if (!child && !frames_.isMain(identifier)) return;
   observers_.notify(&PageObserver::pageReceivedData, page_, child ? *child : mainFrame(), request,
@@ -215,9 +196,7 @@ void PageLoad::handleData(const QJsonObject& event) {
 }
 
 void PageLoad::handleRequestEnd(const QJsonObject& event) {
-  const QString request = event[u"requestId"].toString();
-  requestFrames_.remove(request);
-  progress_.requestEnded(request);
+  progress_.requestEnded(event[u"requestId"].toString());
   reportProgress();
 }
 
@@ -236,28 +215,14 @@ void PageLoad::handleRequestFailure(const QJsonObject& event) {
   handleRequestEnd(event);
 }
 
-void PageLoad::handleFrameAttached(const QJsonObject& event) {
-  frames_.attached(event[u"frameId"].toString());
-}
-
-void PageLoad::handleFrameDetached(const QJsonObject& event) {
-  // A frame that moves to another process is not gone.
-  if (event[u"reason"].toString() != u"swap") frames_.detached(event[u"frameId"].toString());
-}
-
 void PageLoad::handleFrameNavigated(const QJsonObject& event) {
   const QJsonObject frame = event[u"frame"].toObject();
-  frames_.navigated(frame);
-  const QString identifier = frame[u"id"].toString();
-  if (frames_.isMain(identifier)) return commit(frame);
-  if (const std::optional<Frame> child = frames_.child(identifier))
-    observers_.notify(&PageObserver::pageCommittedLoad, page_, *child);
+  if (frames_.isMain(frame[u"id"].toString())) commit(frame);
 }
 
 void PageLoad::commit(const QJsonObject& frame) {
   const QString loader = frame[u"loaderId"].toString();
   const QString unreachable = frame[u"unreachableUrl"].toString();
-  frames_.clearChildren();
   title_.clear();
   const QUrl url = shownURL(QUrl(frame[u"url"].toString() + frame[u"urlFragment"].toString()));
   const bool counts = active_ && !endedLoaders_.contains(loader);
@@ -282,21 +247,13 @@ void PageLoad::commit(const QJsonObject& frame) {
 
 void PageLoad::handleLifecycle(const QJsonObject& event) {
   const QString name = event[u"name"].toString();
-  const QString identifier = event[u"frameId"].toString();
   const bool isCurrent = event[u"loaderId"].toString() == document_.loader;
-  // The browser does not tell when a script changes the title: it is read whenever the page comes
-  // to rest.
   if (isCurrent &&
       (name == u"DOMContentLoaded" || name == u"networkAlmostIdle" || name == u"networkIdle"))
-    return readTitle({});
-  if (name != u"load") return;
-  if (!frames_.isMain(identifier)) {
-    if (const std::optional<Frame> child = frames_.child(identifier))
-      observers_.notify(&PageObserver::pageFinishedLoad, page_, *child);
-    return;
-  }
+    return title_.read({});
+  if (name != u"load" || !frames_.isMain(event[u"frameId"].toString())) return;
   if (!isCurrent || document_.finished || !active_) return;
-  readTitle([this, loader = document_.loader] {
+  title_.read([this, loader = document_.loader] {
     if (active_ && document_.loader == loader && !document_.finished) finish();
   });
 }
@@ -308,25 +265,6 @@ void PageLoad::finish() {
   reportProgress();
   observers_.notify(&PageObserver::pageFinishedLoad, page_, mainFrame());
   if (stoppedLoading_) setLoading(false);
-}
-
-/// The script value decides: what the browser calls a target's title is its address where it has
-/// none.
-void PageLoad::readTitle(std::function<void()> then) {
-  const QJsonObject parameters{{u"expression"_s, u"document.title"_s}, {u"returnByValue"_s, true}};
-  session_.send(
-      u"Runtime.evaluate"_s, parameters,
-      [this, weak = page_.weak_from_this(), then, loader = document_.loader](const auto& reply) {
-        const auto page = weak.lock();
-        if (!page || loader != document_.loader) return;
-        const QString title = reply ? (*reply)[u"result"][u"value"].toString() : QString();
-        if (!title.isEmpty() && title != title_) {
-          title_ = title;
-          observers_.notify(&PageObserver::pageReceivedTitle, page_, title_);
-        }
-        if (then) then();
-      },
-      titleTimeout);
 }
 
 void PageLoad::handleStartedLoading(const QJsonObject& event) {

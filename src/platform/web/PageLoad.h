@@ -6,12 +6,13 @@
 #include <QUrl>
 #include <memory>
 #include <optional>
-#include <vector>
 
 #include "platform/dispatch/Timer.h"
-#include "platform/web/FrameTree.h"
+#include "platform/web/DocumentTitle.h"
+#include "platform/web/FrameLoads.h"
 #include "platform/web/LoadProgress.h"
 #include "platform/web/PageObservers.h"
+#include "platform/web/PageSubscriptions.h"
 #include "platform/web/RequestGate.h"
 #include "platform/web/Session.h"
 
@@ -43,7 +44,7 @@ class PageLoad {
   void fail(const Error& reason);
 
   QUrl currentURL() const;
-  const QString& title() const { return title_; }
+  const QString& title() const { return title_.text(); }
   QString mimeType() const;
   double estimatedProgress() const { return progress_.estimate(); }
   bool isLoading() const { return loading_; }
@@ -64,15 +65,12 @@ class PageLoad {
     bool finished = false;
   };
 
-  void on(Session& session, const char* method, void (PageLoad::*handler)(const QJsonObject&));
   void handleRequest(const QJsonObject& event);
   void handleMainRequest(const QJsonObject& event);
   void handleResponse(const QJsonObject& event);
   void handleData(const QJsonObject& event);
   void handleRequestEnd(const QJsonObject& event);
   void handleRequestFailure(const QJsonObject& event);
-  void handleFrameAttached(const QJsonObject& event);
-  void handleFrameDetached(const QJsonObject& event);
   void handleFrameNavigated(const QJsonObject& event);
   void handleLifecycle(const QJsonObject& event);
   void handleStartedLoading(const QJsonObject& event);
@@ -85,7 +83,6 @@ class PageLoad {
   void beginProvisional(const QString& loader, const QUrl& url);
   void commit(const QJsonObject& frame);
   void finish();
-  void readTitle(std::function<void()> then);
   void startAnswerTimer();
   void handleNoAnswer();
   void failWith(const Error& reason);
@@ -98,7 +95,8 @@ class PageLoad {
   Page& page_;
   Session& session_;
   PageObservers& observers_;
-  FrameTree frames_;
+  FrameLoads frames_;
+  DocumentTitle title_;
   RequestGate gate_;
   LoadProgress progress_;
 
@@ -128,10 +126,8 @@ class PageLoad {
   /// what the browser still tells of them does not count.
   QSet<QString> endedLoaders_;
   QString lastErrorText_;
-  QString title_;
-  QHash<QString, QString> requestFrames_;
   std::unique_ptr<dispatch::Timer> answerTimer_;
-  std::vector<Subscription> subscriptions_;
+  PageSubscriptions subscriptions_;
 };
 
 }  // namespace web

@@ -106,6 +106,7 @@ TEST_F(DevToolsFrontPageTest, ThreeTextsComeOverOneConnection) {
   EXPECT_EQ(texts.document, u"<p>a"_s);
   EXPECT_EQ(texts.styles, u"styles"_s);
   EXPECT_EQ(texts.frames, u"frames"_s);
+  EXPECT_EQ(texts.address, u"http://localhost/a"_s);
   EXPECT_EQ(page.unavailableReason(), std::nullopt);
   EXPECT_EQ(address(), u"http://localhost/a"_s);
   EXPECT_EQ(browser.connections(), 1);

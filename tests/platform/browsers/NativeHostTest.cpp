@@ -205,8 +205,8 @@ TEST(NativeHost, RelaysTheProgramsQuestionsAlsoWhenTheProgramStartsLater) {
   auto texts = std::async(std::launch::async, [&] { return page.capture(); });
   query = host.message();
   EXPECT_EQ(query.value(u"what"_s).toString(), u"page"_s);
-  host.write(
-      piece(u"answer"_s, query.value(u"id"_s).toInt(), 0, 2, u"{\"document\":\"<p>\",\"sty"_s));
+  host.write(piece(u"answer"_s, query.value(u"id"_s).toInt(), 0, 2,
+                   u"{\"address\":\"c:d\",\"document\":\"<p>\",\"sty"_s));
   host.write(piece(u"answer"_s, query.value(u"id"_s).toInt(), 1, 2, u"les\":\"s\"}"_s));
   support::waitFor(
       [&] { return texts.wait_for(std::chrono::seconds(0)) == std::future_status::ready; });
@@ -214,6 +214,7 @@ TEST(NativeHost, RelaysTheProgramsQuestionsAlsoWhenTheProgramStartsLater) {
   EXPECT_EQ(captured.document, u"<p>"_s);
   EXPECT_EQ(captured.styles, u"s"_s);
   EXPECT_EQ(captured.frames, std::nullopt);
+  EXPECT_EQ(captured.address, u"c:d"_s);
 }
 
 TEST(AddOnDoor, ABrowserThatEndsOrIsMissingIsAnAnswer) {
