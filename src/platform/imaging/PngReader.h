@@ -1,22 +1,27 @@
 #pragma once
 
+#include <QBuffer>
 #include <QByteArray>
 #include <QImage>
 #include <QSize>
 #include <memory>
 
 #include "platform/base/Error.h"
+#include "platform/imaging/PngChunks.h"
 
-struct spng_ctx;
+struct inflate_state;
 
 namespace imaging {
 
-/// Reads a PNG file in memory from its top to its end, a few rows at a time. Transparency is
-/// ignored, which suits pictures that have none. One thread at a time, any thread.
+/// Reads a PNG file in memory from its top to its end, a few rows at a time: the kind of file that
+/// the engine makes, of 8-bit red, green and blue, with or without transparency, which is ignored,
+/// in one pass. The checksum of the whole picture is checked, that of its chunks is not. One thread
+/// at a time, any thread.
 class PngReader {
  public:
-  /// An error when the bytes are no PNG file.
+  /// An error when the bytes are no such file.
   static Result<std::unique_ptr<PngReader>> create(QByteArray png);
+  ~PngReader();
 
   /// Device pixels.
   QSize size() const { return size_; }
@@ -26,16 +31,20 @@ class PngReader {
   Result<QImage> rows(int count);
 
  private:
-  struct Free {
-    void operator()(spng_ctx* context) const;
-  };
-
   explicit PngReader(QByteArray png);
-  MaybeError begin();
+  bool readHeader();
+  bool feed();
+  bool inflate(QByteArray& bytes);
+  bool isWhole();
+  bool unpackRow(uchar* filtered, uchar* row);
 
-  const QByteArray png_;
-  std::unique_ptr<spng_ctx, Free> context_;
+  QByteArray png_;
+  QBuffer device_;
+  png::ChunkReader chunks_;
+  std::unique_ptr<inflate_state> inflate_;
   QSize size_;
+  qsizetype bytesPerPixel_ = 0;
+  QByteArray above_;
   int rowsRead_ = 0;
 };
 
