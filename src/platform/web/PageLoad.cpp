@@ -289,6 +289,8 @@ void PageLoad::setCredentialsHandler(RequestGate::CredentialsHandler handler) {
 }
 
 void PageLoad::stop() {
+  // What a loaded page fetches later is part of it: its pictures would stay broken.
+  if (!active_ && !loading_) return;
   ++generation_;
   session_.send(u"Page.stopLoading"_s, {});
   endLoad();

@@ -106,6 +106,14 @@ TEST_F(SettleTest, EndlessPagesHaveAnEnd) {
   EXPECT_EQ(picture().height(), height);
 }
 
+TEST_F(SettleTest, LatePicturesOfALoadedPageSurviveThatItIsStopped) {
+  server.set("/late.svg", {"image/svg+xml", greenPicture, 400ms});
+  openServed("<!DOCTYPE html><body style='margin:0'><img loading=lazy src='/late.svg'>");
+  page->stopLoading();
+  EXPECT_FALSE(settle());
+  EXPECT_EQ(colour(picture(), 5, 5), "008000");
+}
+
 TEST_F(SettleTest, PicturesAndFontsOnTheirWayAreWaitedFor) {
   server.set("/late.svg", {"image/svg+xml", greenPicture, 600ms});
   server.set("/late.woff2", {"font/woff2", "no font", 700ms});
