@@ -17,7 +17,7 @@ namespace rendering {
 
 struct PrintedDocument {
   int pages = 0;
-  /// Points.
+  /// As a reader shows the pages, in points.
   QSizeF pageSize;
 };
 

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <QSizeF>
+
+#include "platform/pdf/PrintedPages.h"
+#include "platform/rendering/Print.h"
+#include "platform/rendering/PrintToFile.h"
+
+namespace rendering {
+
+/// What the engine is to print on, and what becomes of its pages: it knows only papers of whole
+/// points and scales from 0.1 to 2.
+struct PrintPlan {
+  PrintPaper paper;
+  pdf::PageFit fit;
+};
+
+/// One page of the document's size, 1 CSS pixel to the point. Above 14,400 points it has a user
+/// unit, so that all readers show it.
+PrintPlan planTall(QSizeF document);
+
+/// Pages of the set-up that show a layout of that width (CSS pixels) over their printable width.
+PrintPlan planPaginated(const PageSetup& setup, double layoutWidth);
+
+/// What the margins leave of the paper. Points.
+QSizeF printableSize(const PageSetup& setup);
+
+}  // namespace rendering
