@@ -1,5 +1,6 @@
 #include "platform/rendering/Print.h"
 
+#include <QLocale>
 #include <array>
 
 #include "platform/dispatch/Dispatch.h"
@@ -116,20 +117,31 @@ class TallPrint : public PrintJob {
       : PrintJob(std::move(path), std::move(callback)), lowDocument_(lowDocument) {}
 
  protected:
-  void print() override { printHigher(heightCorrections[attempt_]); }
+  void print() override;
   void printed(int pages) override;
 
  private:
+  double documentHeight() const {
+    return qMax(1.0, lowDocument_.heightFor(layout().document.height()));
+  }
   void printHigher(double rows);
 
   const LowDocumentRule lowDocument_;
   size_t attempt_ = 0;
 };
 
+void TallPrint::print() {
+  if (documentHeight() <= highestTallPage) return printHigher(heightCorrections.front());
+  const QLocale locale(QLocale::English);
+  const auto number = [&locale](double points) { return locale.toString(points, 'f', 0); };
+  const QString text =
+      u"A PDF page holds at most %1 points of height, and this page has %2. PDF with pagination, PNG and TIFF hold pages of that size."_s;
+  end(tl::unexpected(
+      makeError(TooHigh, text.arg(number(highestTallPage), number(documentHeight())))));
+}
+
 void TallPrint::printHigher(double rows) {
-  const QSizeF document = layout().document;
-  const double height = qMax(1.0, lowDocument_.heightFor(document.height()));
-  PrintJob::print(planTall({document.width(), height + rows}));
+  PrintJob::print(planTall({layout().document.width(), documentHeight() + rows}));
 }
 
 void TallPrint::printed(int pages) {

@@ -31,6 +31,11 @@ double paperSide(double points) {
   return whole;
 }
 
+/// Of paper that shows a layout of that width.
+double leastWidth(double layoutWidth) {
+  return std::ceil(layoutWidth * smallestScale / onePixelPerPoint);
+}
+
 }  // namespace
 
 PrintPlan planTall(QSizeF document) {
@@ -43,7 +48,8 @@ PrintPlan planTall(QSizeF document) {
   if (unit > 1) {
     const double wanted = std::max(std::min(unit, finestReduction), longest / highestPaper);
     // From the width, so that the layout keeps exactly its own.
-    const double width = paperSide(document.width() / wanted);
+    const double width =
+        std::max(paperSide(document.width() / wanted), leastWidth(document.width()));
     reduction = document.width() / width;
     // What is more than the document is cut off with the page.
     plan.paper.size = {width, std::ceil(document.height() / reduction) + 1};
@@ -58,10 +64,9 @@ PrintPlan planTall(QSizeF document) {
 /// Margins are left to the fitting: the engine would round them to CSS pixels.
 PrintPlan planPaginated(const PageSetup& setup, double layoutWidth) {
   const QSizeF printable = printableSize(setup);
-  const double pointsPerPixel = 1 / onePixelPerPoint;
-  const double least = std::ceil(layoutWidth * smallestScale * pointsPerPixel);
-  const double most = layoutWidth * largestScale * pointsPerPixel;
-  const double width = std::max(least, paperSide(std::min(printable.width(), most)));
+  const double most = layoutWidth * largestScale / onePixelPerPoint;
+  const double width =
+      std::max(paperSide(std::min(printable.width(), most)), leastWidth(layoutWidth));
   PrintPlan plan;
   plan.fit.paper = setup.paper;
   plan.fit.enlargement = printable.width() / width;

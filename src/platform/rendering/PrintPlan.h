@@ -15,6 +15,9 @@ struct PrintPlan {
   pdf::PageFit fit;
 };
 
+/// The highest document that `planTall` can bring on papers that the engine takes. Points.
+inline constexpr double highestTallPage = 1'300'000;
+
 /// One page of the document's size, 1 CSS pixel to the point. Above 14,400 points it has a user
 /// unit, so that all readers show it.
 PrintPlan planTall(QSizeF document);

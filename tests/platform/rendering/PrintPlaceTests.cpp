@@ -155,6 +155,19 @@ TEST_F(PrintPlaceTest, TallPagesAreShownByAllReadersWithEverythingAtItsPlace) {
   }
 }
 
+TEST_F(PrintPlaceTest, PagesUpToTheLimitArePrintedAndHigherOnesNamed) {
+  openPlaces(1'298'000);
+  expectAllInPlace(printTall(), 14400 / size().height());
+  EXPECT_EQ(printed->pageSize, size());
+  evaluate(u"document.getElementById('stretch').style.height = '1300000px'"_s);
+  const auto result = await<Result<rendering::PrintedDocument>>(
+      [&](auto done) { rendering::printTall(page, {}, folder.filePath(u"higher.pdf"_s), done); });
+  ASSERT_FALSE(result);
+  for (const char* part : {"1,300,000", "1,301,180", "PNG"})
+    EXPECT_TRUE(result.error().localizedDescription.contains(QLatin1StringView(part))) << part;
+  EXPECT_EQ(QDir(folder.path()).entryList(QDir::Files), QStringList{u"tall.pdf"_s});
+}
+
 TEST_F(PrintPlaceTest, LayoutsOfEveryWidthFillThePrintableWidth) {
   struct Case {
     const char* name;
