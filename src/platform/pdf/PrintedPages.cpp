@@ -1,10 +1,13 @@
 #include "platform/pdf/PrintedPages.h"
 
 #include <QTransform>
+#include <algorithm>
 #include <cmath>
 #include <map>
+#include <vector>
 
 #include "platform/pdf/PDFDocument.h"
+#include "platform/pdf/internal/BlankPage.h"
 #include "platform/pdf/internal/IncrementalUpdate.h"
 #include "platform/pdf/internal/PageGeometry.h"
 #include "platform/pdf/internal/PlacedText.h"
@@ -30,11 +33,36 @@ std::string matrixText(const QTransform& matrix) {
   return text;
 }
 
+bool refersTo(const Value& value, int object) {
+  if (value.isReference()) return value.reference == object;
+  const auto items = value.items();
+  return std::any_of(items.begin(), items.end(),
+                     [object](const Value& item) { return refersTo(item, object); });
+}
+
+/// By a destination or a tag. The page tree does not count.
+bool isReferredTo(const SourceFile& source, int page) {
+  for (int object = 1; object < source.objectCount(); ++object) {
+    const Value& value = source.object(object);
+    if (!value["/Type"].isName("/Pages") && refersTo(value, page)) return true;
+  }
+  return false;
+}
+
+int pagesWithContent(const SourceFile& source) {
+  size_t count = source.pages().size();
+  while (count > 1 && isBlank(source, source.pages()[count - 1]) &&
+         !isReferredTo(source, source.pages()[count - 1].number))
+    --count;
+  return static_cast<int>(count);
+}
+
 class Fitting {
  public:
-  Fitting(const SourceFile& source, const PageFit& fit)
+  Fitting(const SourceFile& source, const PageFit& fit, int pageCount)
       : source_(source),
         fit_(fit),
+        pages_(source.pages().begin(), source.pages().begin() + pageCount),
         update_(source),
         printed_(pageGeometry(source, source.pages().front()).box),
         box_(QPointF(0, 0), fit.paper / fit.userUnit) {
@@ -52,6 +80,8 @@ class Fitting {
  private:
   bool movesContent() const { return fit_.enlargement != 1 || !fit_.place.isNull(); }
   bool keepsBox() const;
+  bool leavesPagesOut() const { return pages_.size() < source_.pages().size(); }
+  void writePageTree();
   void fitPages();
   void fitPage(const SourcePage& page);
   std::string resources(const SourcePage& page);
@@ -62,6 +92,7 @@ class Fitting {
 
   const SourceFile& source_;
   const PageFit fit_;
+  const std::vector<SourcePage> pages_;
   IncrementalUpdate update_;
   const QRectF printed_;
   QRectF box_;  ///< as in `PageGeometry`
@@ -76,7 +107,8 @@ MaybeError Fitting::write(const QString& path) {
     update_.writeStream(matrix_, "<<>>", matrixText(place_) + "cm\n");
     moveOthers();
   }
-  if (!keepsBox()) fitPages();
+  if (leavesPagesOut()) writePageTree();
+  if (!keepsBox() || leavesPagesOut()) fitPages();
   moveDestinations();
   if (fit_.userUnit != 1) update_.raiseVersion("1.6");
   return update_.write(path);
@@ -89,8 +121,18 @@ bool Fitting::keepsBox() const {
          std::abs(box_.height() - printed_.height()) < unseen;
 }
 
+/// Of one level; `fitPage` hangs the pages under it.
+void Fitting::writePageTree() {
+  std::string text = "<<";
+  ValueText().appendEntries(text, source_.rootEntry("/Pages"), {"/Kids", "/Count"});
+  text += "/Count " + std::to_string(pages_.size()) + "/Kids[";
+  for (const SourcePage& page : pages_)
+    text += referenceText(page.number) + ' ';
+  update_.writeObject(source_.root()["/Pages"].reference, text + "]>>");
+}
+
 void Fitting::fitPages() {
-  for (const SourcePage& page : source_.pages())
+  for (const SourcePage& page : pages_)
     fitPage(page);
 }
 
@@ -100,7 +142,9 @@ void Fitting::fitPage(const SourcePage& page) {
   std::string text = "<<";
   spelling.appendEntries(text, own,
                          {"/MediaBox", "/CropBox", "/BleedBox", "/TrimBox", "/ArtBox", "/UserUnit",
-                          "/Contents", "/Resources"});
+                          "/Contents", "/Resources", "/Parent"});
+  const Value& parent = leavesPagesOut() ? source_.root()["/Pages"] : own["/Parent"];
+  text += "/Parent " + referenceText(parent.reference);
   text += "/MediaBox[" + spelled(box_.left()) + ' ' + spelled(box_.top()) + ' ' +
           spelled(box_.right()) + ' ' + spelled(box_.bottom()) + ']';
   if (fit_.userUnit != 1) text += "/UserUnit " + spelled(fit_.userUnit, unitDecimals);
@@ -191,7 +235,8 @@ void Fitting::moveOthers() {
 
 }  // namespace
 
-PrintedPages::PrintedPages(std::unique_ptr<SourceFile> source) : source_(std::move(source)) {}
+PrintedPages::PrintedPages(std::unique_ptr<SourceFile> source)
+    : source_(std::move(source)), pageCount_(pagesWithContent(*source_)) {}
 
 PrintedPages::~PrintedPages() = default;
 
@@ -201,12 +246,8 @@ Result<std::unique_ptr<PrintedPages>> PrintedPages::open(const QString& path) {
   return std::make_unique<PrintedPages>(std::move(*source));
 }
 
-int PrintedPages::pageCount() const {
-  return static_cast<int>(source_->pages().size());
-}
-
 MaybeError PrintedPages::write(const PageFit& fit, const QString& path) const {
-  return Fitting(*source_, fit).write(path);
+  return Fitting(*source_, fit, pageCount_).write(path);
 }
 
 }  // namespace pdf

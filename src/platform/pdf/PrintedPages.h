@@ -38,14 +38,17 @@ class PrintedPages {
   explicit PrintedPages(std::unique_ptr<SourceFile> source);
   ~PrintedPages();
 
-  int pageCount() const;
+  /// Without blank pages at the end, which come of margins and padding below the last content. A
+  /// document has at least one page.
+  int pageCount() const { return pageCount_; }
 
-  /// Writes the document with its pages fitted. What need not change is copied unseen. `path`
-  /// appears whole or not at all.
+  /// Writes that many pages, fitted. What need not change is copied unseen. `path` appears whole or
+  /// not at all.
   MaybeError write(const PageFit& fit, const QString& path) const;
 
  private:
   std::unique_ptr<SourceFile> source_;
+  int pageCount_;
 };
 
 }  // namespace pdf

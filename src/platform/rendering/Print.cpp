@@ -167,7 +167,7 @@ class PaginatedPrint : public PrintJob {
 };
 
 void PaginatedPrint::print() {
-  PrintJob::print(planPaginated(setup_, layout().document.width()));
+  PrintJob::print(planPaginated(setup_, layout().document));
 }
 
 }  // namespace

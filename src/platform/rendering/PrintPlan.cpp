@@ -36,6 +36,22 @@ double leastWidth(double layoutWidth) {
   return std::ceil(layoutWidth * smallestScale / onePixelPerPoint);
 }
 
+/// Where a last page would hold a few rows only, all pages are made so much higher that they find
+/// room, and shown so much smaller. The share of a page that counts as few:
+constexpr double sliver = 0.01;
+
+void spareLastPage(PrintPlan& plan, QSizeF document, double printableHeight) {
+  const double pointsPerPixel = plan.paper.size.width() / document.width();
+  const double rows = std::floor(plan.paper.size.height() / pointsPerPixel);
+  const double pages = std::floor(document.height() / rows);
+  const double rest = document.height() - pages * rows;
+  if (pages < 1 || rest <= 0 || rest > sliver * rows) return;
+  // A point more, since the engine has only whole rows.
+  const double height = std::ceil(document.height() / pages * pointsPerPixel) + 1;
+  plan.paper.size.setHeight(height);
+  plan.fit.enlargement = std::min(plan.fit.enlargement, printableHeight / height);
+}
+
 }  // namespace
 
 PrintPlan planTall(QSizeF document) {
@@ -62,17 +78,18 @@ PrintPlan planTall(QSizeF document) {
 }
 
 /// Margins are left to the fitting: the engine would round them to CSS pixels.
-PrintPlan planPaginated(const PageSetup& setup, double layoutWidth) {
+PrintPlan planPaginated(const PageSetup& setup, QSizeF document) {
   const QSizeF printable = printableSize(setup);
-  const double most = layoutWidth * largestScale / onePixelPerPoint;
+  const double most = document.width() * largestScale / onePixelPerPoint;
   const double width =
-      std::max(paperSide(std::min(printable.width(), most)), leastWidth(layoutWidth));
+      std::max(paperSide(std::min(printable.width(), most)), leastWidth(document.width()));
   PrintPlan plan;
   plan.fit.paper = setup.paper;
   plan.fit.enlargement = printable.width() / width;
   plan.fit.place = QPointF(setup.margins.left(), setup.margins.top());
   plan.paper.size = {width, std::max(1.0, std::floor(printable.height() / plan.fit.enlargement))};
-  plan.paper.scale = width * onePixelPerPoint / layoutWidth;
+  spareLastPage(plan, document, printable.height());
+  plan.paper.scale = width * onePixelPerPoint / document.width();
   plan.fit.destinationScale = plan.paper.scale;
   return plan;
 }

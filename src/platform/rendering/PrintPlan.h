@@ -22,8 +22,9 @@ inline constexpr double highestTallPage = 1'300'000;
 /// unit, so that all readers show it.
 PrintPlan planTall(QSizeF document);
 
-/// Pages of the set-up that show a layout of that width (CSS pixels) over their printable width.
-PrintPlan planPaginated(const PageSetup& setup, double layoutWidth);
+/// Pages of the set-up that show the document (CSS pixels) over their printable width, or up to a
+/// hundredth less where that spares a last page for a few rows.
+PrintPlan planPaginated(const PageSetup& setup, QSizeF document);
 
 /// What the margins leave of the paper. Points.
 QSizeF printableSize(const PageSetup& setup);

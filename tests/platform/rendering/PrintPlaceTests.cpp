@@ -216,4 +216,49 @@ TEST_F(PrintPlaceTest, LayoutsOfEveryWidthFillThePrintableWidth) {
   }
 }
 
+/// A page of this paper holds 1534 rows of a layout of 1024.
+TEST_F(PrintPlaceTest, NoPageIsLeftForAFewRowsOrForNothing) {
+  const QString colour = u"<div style='height:%1px;background:rgb(0,128,0)'></div>"_s;
+  const QString line = u"<p style='margin:0;height:20px'>end</p>"_s;
+  const QString nothing = u"<div style='height:60px'></div>"_s;
+  struct Case {
+    const char* name;
+    QString markup;
+    int pages;
+  };
+  const Case cases[] = {
+      {"three rows more", colour.arg(1537), 1},
+      {"three rows more than two pages", colour.arg(3071), 2},
+      {"many rows more", colour.arg(1600), 2},
+      {"blank rows", colour.arg(1490) + line + nothing, 1},
+      {"white rows", u"<style>body{background:white}</style>"_s + colour.arg(1490) + line + nothing,
+       1},
+      {"blank pages", colour.arg(1490) + line + u"<div style='height:4000px'></div>"_s, 1},
+      {"blank from the beginning", nothing, 1},
+      {"blank before the last words",
+       colour.arg(100) + u"<div style='height:4000px'></div>"_s + line, 3},
+      {"a line that found no room", colour.arg(1532) + line, 2},
+      {"blank rows that a link leads to",
+       u"<a href='#place'>link</a>"_s + colour.arg(1470) + line +
+           u"<div id=place style='margin-top:40px;height:60px'></div>"_s,
+       2},
+      {"coloured rows",
+       u"<style>body{background:rgb(1,2,3)}</style>"_s + colour.arg(1490) + line + nothing, 2},
+  };
+  for (const auto& [name, markup, pages] : cases) {
+    SCOPED_TRACE(name);
+    openMarkup(u"<!DOCTYPE html><body style='margin:0;font:16px/20px serif'>"_s + markup);
+    const QString path = printPaginated({{595, 842}, {50, 40, 50, 60}});
+    EXPECT_EQ(printed->pages, pages);
+    EXPECT_EQ(pdf::documentFacts(path)->pageCount(), pages);
+    EXPECT_TRUE(outputOf(u"qpdf"_s, {u"--check"_s, path}).contains(u"No syntax"_s));
+    EXPECT_EQ(outputOf(u"pdftotext"_s, {path, u"-"_s}).contains(u"end"_s), markup.contains(line));
+    if (!markup.contains(colour.arg(1537))) continue;
+    const QImage image = pdfPixels(path);
+    EXPECT_EQ(::colour(image, 300, 779), "008000") << "the last row";
+    EXPECT_EQ(::colour(image, 300, 784), "ffffff") << "within the margin";
+    EXPECT_EQ(::colour(image, 537, 300), "008000") << "no more than a hundredth narrower";
+  }
+}
+
 }  // namespace
