@@ -32,14 +32,6 @@ Overlays drawOverlays(const SourceFile& document, const DrawPageBorder& draw) {
   return overlays;
 }
 
-std::string matrixText(const QTransform& matrix) {
-  std::string text;
-  for (const double value :
-       {matrix.m11(), matrix.m12(), matrix.m21(), matrix.m22(), matrix.dx(), matrix.dy()})
-    text += number(value, 6).toStdString() + ' ';
-  return text;
-}
-
 /// Lays pages drawn elsewhere over the pages of a document. The borders count as pagination
 /// artifacts (ISO 32000-1, 14.8.2.2): readers of tagged content pass over them.
 class Overlay {

@@ -25,35 +25,32 @@ std::string spelled(double value, int decimals = 4) {
   return number(value, decimals).toStdString();
 }
 
-std::string matrixText(const QTransform& matrix) {
-  std::string text;
-  for (const double value :
-       {matrix.m11(), matrix.m12(), matrix.m21(), matrix.m22(), matrix.dx(), matrix.dy()})
-    text += spelled(value, 6) + ' ';
-  return text;
+void noteReferences(const Value& value, std::vector<bool>& noted) {
+  const auto object = static_cast<size_t>(value.reference);
+  if (value.isReference() && object < noted.size()) noted[object] = true;
+  for (const Value& item : value.items())
+    noteReferences(item, noted);
 }
 
-bool refersTo(const Value& value, int object) {
-  if (value.isReference()) return value.reference == object;
-  const auto items = value.items();
-  return std::any_of(items.begin(), items.end(),
-                     [object](const Value& item) { return refersTo(item, object); });
-}
-
-/// By a destination or a tag. The page tree does not count.
-bool isReferredTo(const SourceFile& source, int page) {
+/// What destinations and tags lead to, by object number. The page tree does not count.
+std::vector<bool> referredTo(const SourceFile& source) {
+  std::vector<bool> noted(static_cast<size_t>(source.objectCount()));
   for (int object = 1; object < source.objectCount(); ++object) {
     const Value& value = source.object(object);
-    if (!value["/Type"].isName("/Pages") && refersTo(value, page)) return true;
+    if (!value["/Type"].isName("/Pages")) noteReferences(value, noted);
   }
-  return false;
+  return noted;
 }
 
 int pagesWithContent(const SourceFile& source) {
-  size_t count = source.pages().size();
-  while (count > 1 && isBlank(source, source.pages()[count - 1]) &&
-         !isReferredTo(source, source.pages()[count - 1].number))
+  const std::vector<SourcePage>& pages = source.pages();
+  size_t count = pages.size();
+  std::vector<bool> noted;
+  while (count > 1 && isBlank(source, pages[count - 1])) {
+    if (noted.empty()) noted = referredTo(source);
+    if (noted[static_cast<size_t>(pages[count - 1].number)]) break;
     --count;
+  }
   return static_cast<int>(count);
 }
 
@@ -165,8 +162,11 @@ std::string Fitting::resources(const SourcePage& page) {
     const Value& pattern = patterns.items()[index + 1];
     text += patterns.items()[index].text;
     text += ' ';
-    movesContent() && pattern.isReference() ? text += referenceText(movedPattern(pattern.reference))
-                                            : (spelling.append(text, pattern), text);
+    if (movesContent() && pattern.isReference()) {
+      text += referenceText(movedPattern(pattern.reference));
+    } else {
+      spelling.append(text, pattern);
+    }
   }
   return text + ">>>>";
 }

@@ -6,6 +6,8 @@
 #include <qpdf/QPDFPageDocumentHelper.hh>
 #include <qpdf/QPDFPageObjectHelper.hh>
 
+#include "platform/pdf/internal/SequentialFile.h"
+
 namespace pdf {
 namespace {
 
@@ -86,6 +88,14 @@ std::vector<QSizeF> shownSizes(QPDF& document) {
     sizes.push_back(pageGeometry(page).shownSize());
   }
   return sizes;
+}
+
+std::string matrixText(const QTransform& matrix) {
+  std::string text;
+  for (const double value :
+       {matrix.m11(), matrix.m12(), matrix.m21(), matrix.m22(), matrix.dx(), matrix.dy()})
+    text += number(value, 6).toStdString() + ' ';
+  return text;
 }
 
 }  // namespace pdf

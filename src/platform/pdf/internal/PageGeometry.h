@@ -6,6 +6,7 @@
 #include <QSizeF>
 #include <QTransform>
 #include <qpdf/QPDF.hh>
+#include <string>
 #include <vector>
 
 #include "platform/pdf/internal/merge/SourceFile.h"
@@ -29,5 +30,8 @@ struct PageGeometry {
 PageGeometry pageGeometry(const SourceFile& document, const SourcePage& page);
 
 std::vector<QSizeF> shownSizes(QPDF& document);
+
+/// The six numbers of a matrix as a PDF file spells them, with a space after each.
+std::string matrixText(const QTransform& matrix);
 
 }  // namespace pdf
