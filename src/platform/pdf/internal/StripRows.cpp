@@ -47,7 +47,7 @@ bool unpack(QFile& file, const imaging::PictureStrip& strip, QByteArray& output)
   return inflation.isComplete();
 }
 
-/// The third neighbour-based filter of the PNG specification (section 9.4).
+/// The Paeth predictor (PNG specification, section 9.4).
 int paeth(int left, int above, int corner) {
   const int estimate = left + above - corner;
   const int toLeft = std::abs(estimate - left), toAbove = std::abs(estimate - above),
