@@ -1,12 +1,21 @@
 #include "capture/CVPrintImageView.h"
 
+#include <algorithm>
 #include <cmath>
 
 #include "capture/CaptureError.h"
 #include "capture/PictureText.h"
 #include "platform/dispatch/Dispatch.h"
+#include "platform/pdf/PictureEnd.h"
 
 using namespace Qt::StringLiterals;
+
+namespace {
+
+/// The share of a page that is too little for a page of its own.
+constexpr double sliver = 0.01;
+
+}  // namespace
 
 CVPrintImageView::CVPrintImageView(PagePicture picture) : picture_(std::move(picture)) {}
 
@@ -19,7 +28,24 @@ std::vector<pdf::PicturePage> CVPrintImageView::pagesFor(const printing::PrintIn
       QRectF(QPointF(0, 0), info.paperSize())
           .adjusted(info.leftMargin(), info.topMargin(), -info.rightMargin(), -info.bottomMargin());
   if (printable.width() <= 0 || printable.height() <= 0) return {};
-  const double pointsPerUnit = printable.width() / picture_.size.width();
+  std::vector<pdf::PicturePage> pages = cut(info.paperSize(), printable, 1);
+  dropWhiteEnd(pages);
+  const bool endsInSliver =
+      pages.size() > 1 && pages.back().target.height() < sliver * printable.height();
+  for (double share = 1 - sliver / 4; endsInSliver && share > 1 - 1.1 * sliver;
+       share -= sliver / 4) {
+    std::vector<pdf::PicturePage> fewer = cut(info.paperSize(), printable, share);
+    dropWhiteEnd(fewer);
+    if (fewer.size() < pages.size()) return fewer;
+  }
+  return pages;
+}
+
+/// Over that share of the printable width.
+std::vector<pdf::PicturePage> CVPrintImageView::cut(const QSizeF& paper, const QRectF& printable,
+                                                    double share) const {
+  const double width = share * printable.width();
+  const double pointsPerUnit = width / picture_.size.width();
   const double rowsPerUnit = picture_.strips.pixels.height() / picture_.size.height();
   const double room = printable.height() / pointsPerUnit;
 
@@ -35,17 +61,31 @@ std::vector<pdf::PicturePage> CVPrintImageView::pagesFor(const printing::PrintIn
                              picture_.strips.pixels.height());
     const int rows = std::max(1, end - row);
     const double height = rows / rowsPerUnit * pointsPerUnit;
-    pages.push_back({info.paperSize(), row, rows,
-                     QRectF(printable.topLeft(), QSizeF(printable.width(), height))});
+    pages.push_back({paper, row, rows, QRectF(printable.topLeft(), QSizeF(width, height))});
     row += rows;
   }
   return pages;
 }
 
+void CVPrintImageView::dropWhiteEnd(std::vector<pdf::PicturePage>& pages) const {
+  const double rowsPerUnit = picture_.strips.pixels.height() / picture_.size.height();
+  const auto& text = picture_.text.unbreakableRows;
+  while (pages.size() > 1) {
+    const double top = pages.back().firstRow / rowsPerUnit;
+    const bool hasText = std::any_of(text.begin(), text.end(),
+                                     [top](const auto& rows) { return rows.bottom > top; });
+    const int rows = picture_.strips.pixels.height() - pages.back().firstRow;
+    if (hasText || pdf::whiteRowsAtEnd(picture_.strips, rows) < rows) return;
+    pages.pop_back();
+  }
+}
+
 void CVPrintImageView::printTo(const printing::PrintInfo& info, const QString& path,
                                std::function<void(MaybeError)> completion) {
-  dispatch::globalAsync(dispatch::Priority::High, [picture = picture_, pages = pagesFor(info), path,
+  dispatch::globalAsync(dispatch::Priority::High, [view = *this, info, path,
                                                    completion = std::move(completion)] {
+    const auto& picture = view.picture_;
+    const auto pages = view.pagesFor(info);
     MaybeError error;
     if (pages.empty()) {
       error = capture::makeError(capture::CannotWrite,

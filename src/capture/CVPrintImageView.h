@@ -16,10 +16,16 @@ class CVPrintImageView : public printing::PrintableView {
   void printTo(const printing::PrintInfo& info, const QString& path,
                std::function<void(MaybeError)> completion) override;
 
-  /// The picture's rows on pages of that set-up, over the whole printable width; no page ends
-  /// within a line of text or a small picture when a place a little higher avoids it.
+  /// The picture's rows on pages of that set-up, over the printable width, or up to a hundredth
+  /// less where that spares a last page for a few rows. No page ends within a line of text or a
+  /// small picture when a place a little higher avoids it, and none is left for white rows at the
+  /// end. Reads the picture's end when nothing else says what is there. Any thread.
   std::vector<pdf::PicturePage> pagesFor(const printing::PrintInfo& info) const;
 
  private:
+  std::vector<pdf::PicturePage> cut(const QSizeF& paper, const QRectF& printable,
+                                    double share) const;
+  void dropWhiteEnd(std::vector<pdf::PicturePage>& pages) const;
+
   PagePicture picture_;
 };

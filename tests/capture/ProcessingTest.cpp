@@ -1,6 +1,7 @@
 #include <QDir>
 #include <QImage>
 #include <QProcess>
+#include <QRegularExpression>
 
 #include "EntryFixture.h"
 #include "platform/dispatch/Dispatch.h"
@@ -32,9 +33,9 @@ class Processing : public EntryFixture {
       "<div style='height:1500px;background:#00f'>lower words</div>"_s;
 };
 
-QString textOf(const QString& pdf) {
+QString textOf(const QString& pdf, const QStringList& options = {}) {
   QProcess tool;
-  tool.start(u"pdftotext"_s, {pdf, u"-"_s});
+  tool.start(u"pdftotext"_s, options + QStringList{pdf, u"-"_s});
   EXPECT_TRUE(tool.waitForFinished());
   return QString::fromUtf8(tool.readAllStandardOutput());
 }
@@ -113,6 +114,45 @@ TEST_F(Processing, PagesCarryHeadersAndFootersInBothModes) {
       EXPECT_TRUE(text.contains(expected)) << qPrintable(expected);
     }
   }
+}
+
+/// The borders of a page lie on its paper and are not enlarged with it.
+TEST_F(Processing, HeadersAndFootersKeepPlaceAndSizeOnEveryLayout) {
+  settings->setUsePagination(true);
+  settings->setIncludeHeadersAndFooters(true);
+  settings->setConversionMode(u"Vector"_s);
+  QStringList borders;
+  for (const int width : {200, 320, 1024, 3000}) {
+    const auto entry = entryFor(page(twoBands), {}, QSizeF(width, 0));
+    ASSERT_FALSE(prepare(entry));
+    ASSERT_FALSE(process(entry));
+    const QString boxes =
+        textOf(entry->resultLocation()->toLocalFile(), {u"-bbox"_s, u"-l"_s, u"1"_s});
+    static const QRegularExpression label(u"<page.*|<word.*>(Page|Bands)<.*"_s);
+    QString found;
+    for (auto matches = label.globalMatch(boxes); matches.hasNext();)
+      found += matches.next().captured() + u'\n';
+    EXPECT_EQ(found.count(u'\n'), 3) << qPrintable(boxes);
+    borders += found;
+  }
+  EXPECT_EQ(borders.count(borders.first()), borders.size()) << qPrintable(borders.join(u'\n'));
+}
+
+TEST_F(Processing, ATallDocumentIsDeliveredWithItsUserUnit) {
+  settings->setConversionMode(u"Vector"_s);
+  const auto entry = prepared(
+      u"<!DOCTYPE html><title>tall</title><body style='margin:0'><div style='height:70000px'></div>last words"_s);
+  ASSERT_FALSE(process(entry));
+  const QString file = result(u"tall.pdf"_s);
+  const auto facts = pdf::documentFacts(file);
+  ASSERT_TRUE(facts);
+  ASSERT_EQ(facts->pageCount(), 1);
+  EXPECT_NEAR(facts->pageSizes[0].width(), 1024, 0.01);
+  EXPECT_NEAR(facts->pageSizes[0].height(), 70018, 2);
+  EXPECT_EQ(facts->attributes.count(pdf::PDFDocumentProducerAttribute), 1u);
+  EXPECT_TRUE(textOf(file).contains(u"last words"_s));
+  static const QRegularExpression box(u"page width=\"[0-9.]+\" height=\"14400\\.0+\""_s);
+  EXPECT_TRUE(textOf(file, {u"-bbox"_s}).contains(box)) << qPrintable(textOf(file, {u"-bbox"_s}));
 }
 
 TEST_F(Processing, AutomaticResultsNeverReplaceAFile) {

@@ -1,11 +1,12 @@
 #include "platform/rendering/Print.h"
 
+#include <QLocale>
 #include <array>
-#include <cmath>
 
 #include "platform/dispatch/Dispatch.h"
 #include "platform/rendering/FlatDocument.h"
 #include "platform/rendering/PageScript.h"
+#include "platform/rendering/PrintPlan.h"
 #include "platform/rendering/PrintToFile.h"
 #include "platform/rendering/RenderingError.h"
 #include "platform/rendering/SettledStyles.h"
@@ -15,11 +16,6 @@ namespace rendering {
 namespace {
 
 using namespace Qt::StringLiterals;
-
-/// The engine lays out CSS pixels of 1/96 inch; ours are points.
-constexpr double onePixelPerPoint = 96.0 / 72.0;
-constexpr double smallestScale = 0.1;
-constexpr double largestScale = 2;
 
 /// Added to the height of one tall page, one after the other, until the document fits: print
 /// metrics can make it a little higher than it is on the screen. The last resort is the paper of
@@ -40,9 +36,9 @@ class PrintJob : public std::enable_shared_from_this<PrintJob> {
 
  protected:
   virtual void print() = 0;
-  void printOn(const PrintPaper& paper);
-  virtual void printed(const PrintRun& run) { finish(run); }
-  void finish(const PrintRun& run);
+  void print(const PrintPlan& plan);
+  virtual void printed(int /*pages*/) { finish(); }
+  void finish();
   void end(Result<PrintedDocument> result);
   const DocumentLayout& layout() const { return document_->layout(); }
 
@@ -55,6 +51,8 @@ class PrintJob : public std::enable_shared_from_this<PrintJob> {
   FlatPages pages_ = FlatPages::One;
   std::shared_ptr<FlatDocument> document_;
   std::shared_ptr<SettledStyles> styles_;
+  PrintPlan plan_;
+  std::shared_ptr<PrintRun> run_;
 };
 
 void PrintJob::start(const std::shared_ptr<web::Page>& page, FlatPages pages) {
@@ -87,15 +85,23 @@ void PrintJob::addRules() {
                  });
 }
 
-void PrintJob::printOn(const PrintPaper& paper) {
-  printToFile(document_->page(), paper, path_, [self = shared_from_this()](const auto& run) {
-    run ? self->printed(*run) : self->end(tl::unexpected(run.error()));
+void PrintJob::print(const PrintPlan& plan) {
+  plan_ = plan;
+  printToFile(document_->page(), plan.paper, path_, [self = shared_from_this()](const auto& run) {
+    if (!run) return self->end(tl::unexpected(run.error()));
+    self->run_ = *run;
+    self->printed((*run)->pageCount());
   });
 }
 
-void PrintJob::finish(const PrintRun& run) {
-  const MaybeError error = run.file->moveToTarget();
-  end(error ? tl::unexpected(*error) : Result<PrintedDocument>(run.document));
+void PrintJob::finish() {
+  dispatch::globalAsync(dispatch::Priority::High, [self = shared_from_this()] {
+    const MaybeError error = self->run_->moveToTarget(self->plan_.fit);
+    dispatch::mainAsync([self, error] {
+      if (error) return self->end(tl::unexpected(*error));
+      self->end(PrintedDocument{self->run_->pageCount(), self->plan_.fit.paper});
+    });
+  });
 }
 
 /// Nobody has to wait while the page is put back: whoever wants it next waits for its turn.
@@ -111,28 +117,39 @@ class TallPrint : public PrintJob {
       : PrintJob(std::move(path), std::move(callback)), lowDocument_(lowDocument) {}
 
  protected:
-  void print() override { printHigher(heightCorrections[attempt_]); }
-  void printed(const PrintRun& run) override;
+  void print() override;
+  void printed(int pages) override;
 
  private:
+  double documentHeight() const {
+    return qMax(1.0, lowDocument_.heightFor(layout().document.height()));
+  }
   void printHigher(double rows);
 
   const LowDocumentRule lowDocument_;
   size_t attempt_ = 0;
 };
 
-void TallPrint::printHigher(double rows) {
-  const QSizeF document = layout().document;
-  const double height = qMax(1.0, lowDocument_.heightFor(document.height()));
-  printOn({{document.width(), height + rows}, {}, onePixelPerPoint});
+void TallPrint::print() {
+  if (documentHeight() <= highestTallPage) return printHigher(heightCorrections.front());
+  const QLocale locale(QLocale::English);
+  const auto number = [&locale](double points) { return locale.toString(points, 'f', 0); };
+  const QString text =
+      u"A PDF page holds at most %1 points of height, and this page has %2. PDF with pagination, PNG and TIFF hold pages of that size."_s;
+  end(tl::unexpected(
+      makeError(TooHigh, text.arg(number(highestTallPage), number(documentHeight())))));
 }
 
-void TallPrint::printed(const PrintRun& run) {
-  if (run.document.pages == 1) return finish(run);
+void TallPrint::printHigher(double rows) {
+  PrintJob::print(planTall({layout().document.width(), documentHeight() + rows}));
+}
+
+void TallPrint::printed(int pages) {
+  if (pages == 1) return finish();
   ++attempt_;
   if (attempt_ < heightCorrections.size()) return printHigher(heightCorrections[attempt_]);
   if (attempt_ == heightCorrections.size()) {
-    return printHigher(layout().document.height() * (run.document.pages - 1));
+    return printHigher(layout().document.height() * (pages - 1));
   }
   end(tl::unexpected(makeError(NotOnePage, u"The page does not fit on one page of paper."_s)));
 }
@@ -149,18 +166,8 @@ class PaginatedPrint : public PrintJob {
   PageSetup setup_;
 };
 
-/// The layout is as wide as the printable width divided by the scale: the scale makes that the
-/// document's.
 void PaginatedPrint::print() {
-  const double printable = setup_.paper.width() - setup_.margins.left() - setup_.margins.right();
-  const double scale = printable * onePixelPerPoint / layout().document.width();
-  printOn({setup_.paper, setup_.margins, qBound(smallestScale, scale, largestScale)});
-}
-
-bool leavesRoom(const PageSetup& setup) {
-  const QSizeF room = setup.paper - QSizeF(setup.margins.left() + setup.margins.right(),
-                                           setup.margins.top() + setup.margins.bottom());
-  return room.width() >= 1 && room.height() >= 1;
+  PrintJob::print(planPaginated(setup_, layout().document));
 }
 
 }  // namespace
@@ -172,7 +179,7 @@ void printTall(const std::shared_ptr<web::Page>& page, const LowDocumentRule& lo
 
 void printPaginated(const std::shared_ptr<web::Page>& page, const PageSetup& setup,
                     const QString& path, std::function<void(Result<PrintedDocument>)> callback) {
-  if (!leavesRoom(setup)) {
+  if (const QSizeF room = printableSize(setup); room.width() < 1 || room.height() < 1) {
     return dispatch::mainAsync([callback = std::move(callback)] {
       callback(
           tl::unexpected(makeError(SetupImpossible, u"The margins leave no room on the paper."_s)));

@@ -17,7 +17,7 @@ namespace rendering {
 
 struct PrintedDocument {
   int pages = 0;
-  /// Points.
+  /// As a reader shows the pages, in points.
   QSizeF pageSize;
 };
 
@@ -30,8 +30,8 @@ struct PageSetup {
 /// Prints the document as one vector PDF page of its own size: 1 CSS pixel = 1 point, no margins,
 /// screen styles, backgrounds, links, outline and tags. The author's page rules and page breaks do
 /// not apply, and lengths in viewport units keep their pixels of the screen layout. The file
-/// appears whole or not at all; an existing one is replaced. A document higher than the engine can
-/// print is an error that names the limit.
+/// appears whole or not at all; an existing one is replaced. Above 14,400 points the
+/// page has a user unit. A document higher than 1,300,000 points is an error that names the limit.
 void printTall(const std::shared_ptr<web::Page>& page, const LowDocumentRule& lowDocument,
                const QString& path, std::function<void(Result<PrintedDocument>)> callback);
 

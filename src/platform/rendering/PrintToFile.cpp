@@ -2,11 +2,9 @@
 
 #include <QFile>
 #include <QJsonObject>
-#include <cstdio>
 
 #include "platform/base/Identifier.h"
 #include "platform/dispatch/Dispatch.h"
-#include "platform/pdf/PDFDocument.h"
 #include "platform/rendering/RenderingError.h"
 #include "platform/web/Page.h"
 #include "platform/web/WebError.h"
@@ -28,10 +26,10 @@ Error notWritten(const QString& target, const QString& reason) {
 QJsonObject printParameters(const PrintPaper& paper) {
   return {{"paperWidth"_L1, paper.size.width() / pointsPerInch},
           {"paperHeight"_L1, paper.size.height() / pointsPerInch},
-          {"marginTop"_L1, paper.margins.top() / pointsPerInch},
-          {"marginBottom"_L1, paper.margins.bottom() / pointsPerInch},
-          {"marginLeft"_L1, paper.margins.left() / pointsPerInch},
-          {"marginRight"_L1, paper.margins.right() / pointsPerInch},
+          {"marginTop"_L1, 0},
+          {"marginBottom"_L1, 0},
+          {"marginLeft"_L1, 0},
+          {"marginRight"_L1, 0},
           {"scale"_L1, paper.scale},
           {"printBackground"_L1, true},
           {"preferCSSPageSize"_L1, false},
@@ -43,7 +41,7 @@ QJsonObject printParameters(const PrintPaper& paper) {
 /// One print, from the command to the counted file; kept by the callbacks of its steps.
 class PrintTransfer : public std::enable_shared_from_this<PrintTransfer> {
  public:
-  using Callback = std::function<void(Result<PrintRun>)>;
+  using Callback = std::function<void(Result<std::shared_ptr<PrintRun>>)>;
 
   PrintTransfer(std::shared_ptr<web::Page> page, const PrintPaper& paper, const QString& target,
                 Callback callback)
@@ -51,8 +49,8 @@ class PrintTransfer : public std::enable_shared_from_this<PrintTransfer> {
         paper_(paper),
         target_(target),
         callback_(std::move(callback)),
-        file_(std::make_shared<PrintedFile>(target)),
-        output_(file_->path()) {}
+        run_(std::make_shared<PrintRun>(target)),
+        output_(run_->path()) {}
 
   void start();
 
@@ -61,14 +59,13 @@ class PrintTransfer : public std::enable_shared_from_this<PrintTransfer> {
   void read();
   void write(const web::DataReply& reply);
   MaybeError append(const QByteArray& data);
-  Result<PrintRun> count() const;
-  void end(const Result<PrintRun>& result);
+  void end(const Result<std::shared_ptr<PrintRun>>& result);
 
   std::shared_ptr<web::Page> page_;
   PrintPaper paper_;
   QString target_;
   Callback callback_;
-  std::shared_ptr<PrintedFile> file_;
+  std::shared_ptr<PrintRun> run_;
   /// Used by one worker at a time.
   QFile output_;
   QString stream_;
@@ -108,11 +105,12 @@ void PrintTransfer::read() {
 void PrintTransfer::write(const web::DataReply& reply) {
   const bool last = reply.rest.value("eof"_L1).toBool();
   dispatch::globalAsync(dispatch::Priority::High, [self = shared_from_this(), reply, last] {
-    const MaybeError error = self->append(reply.data);
-    Result<PrintRun> result = error ? tl::unexpected(*error) : Result<PrintRun>();
-    if (last && !error) result = self->count();
-    dispatch::mainAsync(
-        [self, result, more = !last && !error] { more ? self->read() : self->end(result); });
+    MaybeError error = self->append(reply.data);
+    if (last && !error) error = self->run_->open();
+    dispatch::mainAsync([self, error, last] {
+      if (error) return self->end(tl::unexpected(*error));
+      last ? self->end(self->run_) : self->read();
+    });
   });
 }
 
@@ -121,41 +119,34 @@ MaybeError PrintTransfer::append(const QByteArray& data) {
   return notWritten(target_, output_.errorString());
 }
 
-Result<PrintRun> PrintTransfer::count() const {
-  const auto document = pdf::PDFDocument::open(file_->path());
-  if (!document) return tl::unexpected(document.error());
-  const int pages = (*document)->pageCount();
-  if (pages < 1)
-    return tl::unexpected(makeError(NotPrintable, u"The page engine printed no page."_s));
-  return PrintRun{file_, {pages, (*document)->pageSizes().front()}};
-}
-
-void PrintTransfer::end(const Result<PrintRun>& result) {
+void PrintTransfer::end(const Result<std::shared_ptr<PrintRun>>& result) {
   if (!stream_.isEmpty()) page_->send(u"IO.close"_s, {{"handle"_L1, stream_}});
   callback_(result);
 }
 
 }  // namespace
 
-PrintedFile::PrintedFile(const QString& target)
+PrintRun::PrintRun(const QString& target)
     : target_(target), path_(u"%1.%2.part"_s.arg(target, newUniversallyUniqueIdentifier())) {}
 
-PrintedFile::~PrintedFile() {
-  if (!path_.isEmpty()) QFile::remove(path_);
+PrintRun::~PrintRun() {
+  QFile::remove(path_);
 }
 
-MaybeError PrintedFile::moveToTarget() {
-  // QFile::rename does not replace.
-  if (std::rename(QFile::encodeName(path_).constData(), QFile::encodeName(target_).constData()) !=
-      0) {
-    return notWritten(target_, qt_error_string(errno));
-  }
-  path_.clear();
+MaybeError PrintRun::open() {
+  auto pages = pdf::PrintedPages::open(path_);
+  if (!pages) return pages.error();
+  pages_ = std::move(*pages);
   return {};
 }
 
+MaybeError PrintRun::moveToTarget(const pdf::PageFit& fit) const {
+  return pages_->write(fit, target_);
+}
+
 void printToFile(const std::shared_ptr<web::Page>& page, const PrintPaper& paper,
-                 const QString& target, std::function<void(Result<PrintRun>)> callback) {
+                 const QString& target,
+                 std::function<void(Result<std::shared_ptr<PrintRun>>)> callback) {
   std::make_shared<PrintTransfer>(page, paper, target, std::move(callback))->start();
 }
 

@@ -1,13 +1,12 @@
 #pragma once
 
-#include <QMarginsF>
 #include <QSizeF>
 #include <QString>
 #include <functional>
 #include <memory>
 
 #include "platform/base/Error.h"
-#include "platform/rendering/Print.h"
+#include "platform/pdf/PrintedPages.h"
 
 namespace web {
 class Page;
@@ -15,39 +14,40 @@ class Page;
 
 namespace rendering {
 
-/// Points.
 struct PrintPaper {
+  /// Points; the engine rounds up to whole ones. There are no margins.
   QSizeF size;
-  QMarginsF margins;
   /// Of the page's CSS pixels to those of the paper (96 to the inch), 0.1 to 2.
   double scale = 1;
 };
 
-/// A printed PDF beside the place it is meant for, removed unless it is moved there.
-class PrintedFile {
+/// A PDF as the engine printed it, beside the place it is meant for; removed with this object.
+class PrintRun {
  public:
-  explicit PrintedFile(const QString& target);
-  ~PrintedFile();
-  PrintedFile(const PrintedFile&) = delete;
-  PrintedFile& operator=(const PrintedFile&) = delete;
+  explicit PrintRun(const QString& target);
+  ~PrintRun();
+  PrintRun(const PrintRun&) = delete;
+  PrintRun& operator=(const PrintRun&) = delete;
 
+  /// The file is written there.
   const QString& path() const { return path_; }
-  /// Replaces what is at the target. Any thread.
-  MaybeError moveToTarget();
+  /// Reads what was written. Not on the main thread.
+  MaybeError open();
+
+  int pageCount() const { return pages_->pageCount(); }
+  /// Replaces what is at the target by the pages, fitted. Not on the main thread.
+  MaybeError moveToTarget(const pdf::PageFit& fit) const;
 
  private:
   QString target_;
   QString path_;
-};
-
-struct PrintRun {
-  std::shared_ptr<PrintedFile> file;
-  PrintedDocument document;
+  std::unique_ptr<pdf::PrintedPages> pages_;
 };
 
 /// Prints the page as it is into a file beside `target`. Main thread only; the file is written and
-/// counted on the global queue.
+/// read on the global queue.
 void printToFile(const std::shared_ptr<web::Page>& page, const PrintPaper& paper,
-                 const QString& target, std::function<void(Result<PrintRun>)> callback);
+                 const QString& target,
+                 std::function<void(Result<std::shared_ptr<PrintRun>>)> callback);
 
 }  // namespace rendering

@@ -12,6 +12,7 @@ enum ErrorCode : int {
   NotPrintable,        ///< the engine refused to print the document
   NotOnePage,          ///< no paper was found that takes the document as one page
   FileNotWritten,
+  TooHigh,          ///< for one page
   SetupImpossible,  ///< margins that leave no room on the paper
 };
 

@@ -139,6 +139,22 @@ TEST(Borders, TheDocumentKeepsWhatItHas) {
       << "a name that was taken";
 }
 
+TEST(Borders, FilesOfEveryFormTakeThemMoreThanOnce) {
+  const QString plain = samples::pages({u"one"_s, u"two"_s});
+  const QString compact = tools::fresh(u"compact.pdf"_s);
+  tools::run(u"qpdf"_s, {u"--object-streams=generate"_s, plain, compact});
+  for (const QString& input : {plain, compact}) {
+    QString path = input;
+    for (const QString& word : {u"first"_s, u"again"_s}) {
+      path = bordered(path, [&](PageCanvas& canvas, int, QSizeF) {
+        canvas.drawText(word, font, QRectF(50, word == u"first" ? 20 : 60, 100, 20),
+                        LineBreaking::None);
+      });
+    }
+    EXPECT_EQ(tools::text(path, {u"-raw"_s}), u"one first again two first again"_s);
+  }
+}
+
 TEST(Borders, FailuresLeaveNoFile) {
   const auto nothing = [](PageCanvas&, int, QSizeF) { FAIL() << "there is no page to draw"; };
   for (const QString& input : {u"/no/such.pdf"_s, tools::file(u"bad.pdf"_s, "%PDF-1.7 bad"),

@@ -3,6 +3,7 @@
 #include <QFile>
 #include <QPainter>
 #include <QProcess>
+#include <QRegularExpression>
 
 #include "platform/rendering/PageTurn.h"
 
@@ -133,12 +134,24 @@ QString outputOf(const QString& program, const QStringList& arguments) {
   return QString::fromUtf8(process.readAll());
 }
 
+/// Written uncompressed by the last update of a printed file; 1 where there is none.
+double userUnit(const QString& path) {
+  QFile file(path);
+  static const QRegularExpression unit(u"/UserUnit ([0-9.]+)"_s);
+  const bool opened = file.open(QIODevice::ReadOnly);
+  const auto match = unit.match(opened ? QString::fromLatin1(file.readAll()) : QString());
+  return match.hasMatch() ? match.captured(1).toDouble() : 1;
+}
+
 QImage pdfPixels(const QString& path, int number, QRect part) {
   const QTemporaryDir folder;
   const QString base = folder.filePath(u"page"_s);
   const QString page = QString::number(number);
-  QStringList arguments{u"-r"_s, u"72"_s, u"-singlefile"_s, u"-png"_s,
-                        u"-f"_s, page,    u"-l"_s,          page};
+  // The program does not know user units.
+  QStringList arguments{u"-r"_s,          QString::number(72 * userUnit(path), 'f', 8),
+                        u"-singlefile"_s, u"-png"_s,
+                        u"-f"_s,          page,
+                        u"-l"_s,          page};
   if (!part.isEmpty()) {
     arguments << u"-x"_s << QString::number(part.x()) << u"-y"_s << QString::number(part.y());
     arguments << u"-W"_s << QString::number(part.width()) << u"-H"_s

@@ -69,6 +69,9 @@ class RenderingTest : public ::testing::Test {
 /// The output of a program of the system, for reading PDFs; standard error included.
 QString outputOf(const QString& program, const QStringList& arguments);
 
+/// Points to a unit of the printed file's pages.
+double userUnit(const QString& path);
+
 /// A PDF page as a picture of one pixel per point, over the whole page or a part of it.
 QImage pdfPixels(const QString& path, int number = 1, QRect part = {});
 

@@ -97,8 +97,8 @@ QByteArray textString(const QString& text) {
   return hex + ">";
 }
 
-QByteArray number(double value) {
-  QByteArray digits = QByteArray::number(value, 'f', 4);
+QByteArray number(double value, int decimals) {
+  QByteArray digits = QByteArray::number(value, 'f', decimals);
   while (digits.endsWith('0'))
     digits.chop(1);
   if (digits.endsWith('.')) digits.chop(1);

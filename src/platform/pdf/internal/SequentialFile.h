@@ -50,6 +50,6 @@ QByteArray literalString(const QByteArray& bytes);
 QByteArray textString(const QString& text);
 
 /// A number as PDF writes it: no exponent, no more digits than a reader can show.
-QByteArray number(double value);
+QByteArray number(double value, int decimals = 4);
 
 }  // namespace pdf

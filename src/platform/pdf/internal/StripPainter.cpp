@@ -4,7 +4,7 @@
 #include <algorithm>
 
 #include "platform/pdf/PDFDocument.h"
-#include "platform/pdf/internal/FirstRow.h"
+#include "platform/pdf/internal/StripRows.h"
 
 using namespace Qt::StringLiterals;
 

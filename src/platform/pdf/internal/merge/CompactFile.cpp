@@ -17,6 +17,9 @@ namespace {
 /// More pack better, but a reader unpacks a whole object stream for one object.
 constexpr int objectsPerStream = 500;
 
+/// Each waits with some 100 KB.
+constexpr size_t packsAtOnce = 4;
+
 /// Object streams came with it. A later one, of the same length, is put in its place at the end.
 constexpr std::string_view leastVersion = "1.5";
 
@@ -64,7 +67,7 @@ void CompactFile::writeObject(int object, std::string_view text) {
   packedIndex_ += std::to_string(object) + ' ' + std::to_string(packed_.size()) + ' ';
   packed_ += text;
   packed_ += ' ';
-  if (packedCount_ == objectsPerStream) writePacked();
+  if (packedCount_ == objectsPerStream) pack();
 }
 
 int CompactFile::add(std::string_view text) {
@@ -73,15 +76,23 @@ int CompactFile::add(std::string_view text) {
   return object;
 }
 
-void CompactFile::writePacked() {
+void CompactFile::pack() {
   if (packedCount_ == 0) return;
-  writeStream(container_,
-              "<</Type/ObjStm/Filter/FlateDecode/N " + std::to_string(packedCount_) + "/First " +
-                  std::to_string(packedIndex_.size()) + ">>",
-              deflated(packedIndex_ + packed_));
+  if (packs_.size() == packsAtOnce) writePack();
+  Pack& pack = packs_.emplace_back();
+  pack.container = container_;
+  pack.dictionary = "<</Type/ObjStm/Filter/FlateDecode/N " + std::to_string(packedCount_) +
+                    "/First " + std::to_string(packedIndex_.size()) + ">>";
+  pack.data =
+      std::async(std::launch::async, [text = packedIndex_ + packed_] { return deflated(text); });
   container_ = packedCount_ = 0;
   packedIndex_.clear();
   packed_.clear();
+}
+
+void CompactFile::writePack() {
+  writeStream(packs_.front().container, packs_.front().dictionary, packs_.front().data.get());
+  packs_.pop_front();
 }
 
 qint64 CompactFile::writeStream(int object, std::string_view dictionary, std::string_view data) {
@@ -145,7 +156,9 @@ void CompactFile::writeCrossReferences(const std::string& trailer) {
 }
 
 MaybeError CompactFile::finish(const std::string& version, const std::string& trailer) {
-  writePacked();
+  pack();
+  while (!packs_.empty())
+    writePack();
   writeCrossReferences(trailer);
   if (!hasFailed() && version > leastVersion && file_.seek(versionPosition))
     file_.write(version.data(), static_cast<qint64>(leastVersion.size()));

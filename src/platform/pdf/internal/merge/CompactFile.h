@@ -2,6 +2,8 @@
 
 #include <QSaveFile>
 #include <QString>
+#include <deque>
+#include <future>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -44,8 +46,16 @@ class CompactFile {
     int index = 0;        ///< in the object stream
   };
 
+  /// An object stream that is being deflated on a thread of its own.
+  struct Pack {
+    int container = 0;
+    std::string dictionary;
+    std::future<std::string> data;
+  };
+
   void write(std::string_view bytes);
-  void writePacked();
+  void pack();
+  void writePack();
   void writeCrossReferences(const std::string& trailer);
   std::string crossReferenceRows() const;
 
@@ -56,6 +66,7 @@ class CompactFile {
   int container_ = 0;  ///< the object stream that is being filled; 0 for none
   int packedCount_ = 0;
   std::string packedIndex_, packed_;
+  std::deque<Pack> packs_;
 };
 
 }  // namespace pdf

@@ -67,7 +67,8 @@ class Reader {
   Reader(std::string_view file, Arena& arena) : file_(file), arena_(arena) {}
 
   CrossReferences read() {
-    std::optional<size_t> next = start();
+    found_.start = start();
+    std::optional<size_t> next = found_.start;
     for (std::set<size_t> seen; next; next = previous_) {
       if (!seen.insert(*next).second) throw UnsoundFile("cross-references go in a ring");
       readSection(*next);

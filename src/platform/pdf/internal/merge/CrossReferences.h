@@ -16,6 +16,7 @@ struct ObjectPlace {
 struct CrossReferences {
   std::vector<ObjectPlace> places;  ///< by object number
   Value trailer;
+  size_t start = 0;  ///< of the newest section
 };
 
 /// Cross-reference tables and streams with their updates (ISO 32000-1, 7.5.4 to 7.5.8). Files that

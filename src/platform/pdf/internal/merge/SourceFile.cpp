@@ -19,9 +19,22 @@ constexpr size_t largestUnpacked = 256 << 20;
 }  // namespace
 
 SourceFile::SourceFile(const QString& path) : file_(path) {
-  readBytes();
+  openBytes();
+  read();
+}
+
+SourceFile::SourceFile(const QByteArray& bytes) : held_(bytes) {
+  bytes_ = {held_.constData(), static_cast<size_t>(held_.size())};
+  read();
+}
+
+void SourceFile::read() {
+  const bool hasHeader = bytes_.substr(0, 5) == "%PDF-" && bytes_.size() > 8 && bytes_[5] >= '1' &&
+                         bytes_[5] <= '2' && bytes_[6] == '.';
+  if (!hasHeader) throw UnsoundFile("the file does not begin with its header");
   const CrossReferences references = readCrossReferences(bytes_, arena_);
   trailer_ = references.trailer;
+  crossReferencesStart_ = references.start;
   objects_.resize(references.places.size());
   readObjects(references);
   readStreams();
@@ -29,7 +42,7 @@ SourceFile::SourceFile(const QString& path) : file_(path) {
   readTop();
 }
 
-void SourceFile::readBytes() {
+void SourceFile::openBytes() {
   if (!file_.open(QIODevice::ReadOnly)) throw std::runtime_error(file_.errorString().toStdString());
   const qint64 size = file_.size();
   if (size <= largestInMemory) {
@@ -39,9 +52,6 @@ void SourceFile::readBytes() {
   } else if (const uchar* mapped = file_.map(0, size)) {
     bytes_ = {reinterpret_cast<const char*>(mapped), static_cast<size_t>(size)};
   }
-  const bool hasHeader = bytes_.substr(0, 5) == "%PDF-" && bytes_.size() > 8 && bytes_[5] >= '1' &&
-                         bytes_[5] <= '2' && bytes_[6] == '.';
-  if (!hasHeader) throw UnsoundFile("the file does not begin with its header");
 }
 
 void SourceFile::readObjects(const CrossReferences& references) {
@@ -119,6 +129,13 @@ std::optional<std::string_view> SourceFile::data(int number) const {
   const auto index = static_cast<size_t>(number);
   if (index >= objects_.size() || objects_[index].begin == 0) return std::nullopt;
   return bytes_.substr(objects_[index].begin, objects_[index].length);
+}
+
+const Value& SourceFile::pageEntry(const SourcePage& page, std::string_view key) const {
+  for (size_t index = 0; index < page.inherited.size(); index += 2) {
+    if (page.inherited[index].text == key) return page.inherited[index + 1];
+  }
+  return object(page.number)[key];
 }
 
 std::string SourceFile::version() const {

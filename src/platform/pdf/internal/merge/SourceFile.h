@@ -18,13 +18,21 @@ struct SourcePage {
   std::vector<Value> inherited;
 };
 
-/// A document that is to be joined to others, read and checked completely: what uses it meets no
-/// damage. Reads on several threads are safe.
+/// A document that is to be joined to others or updated, read and checked completely: what uses it
+/// meets no damage. Reads on several threads are safe.
 class SourceFile {
  public:
   /// Throws `UnsoundFile` when the file has to be mended first, and other exceptions when it
   /// cannot be read. Large files stay mapped and must not be cut short while they are in use.
   explicit SourceFile(const QString& path);
+  /// The same of a document in memory.
+  explicit SourceFile(const QByteArray& bytes);
+
+  std::string_view bytes() const { return bytes_; }
+
+  /// Where its newest cross-reference section begins, which is a table unless the trailer is a
+  /// stream's dictionary.
+  size_t crossReferencesStart() const { return crossReferencesStart_; }
 
   /// One more than the largest object number.
   int objectCount() const { return static_cast<int>(objects_.size()); }
@@ -45,6 +53,8 @@ class SourceFile {
   /// An entry of the catalog.
   const Value& rootEntry(std::string_view key) const { return resolved(root()[key]); }
   const std::vector<SourcePage>& pages() const { return pages_; }
+  /// An entry of a page, its own or inherited. It can be a reference.
+  const Value& pageEntry(const SourcePage& page, std::string_view key) const;
 
   /// As "1.7".
   std::string version() const;
@@ -57,7 +67,8 @@ class SourceFile {
     size_t hash = 0;
   };
 
-  void readBytes();
+  void openBytes();
+  void read();
   void readObjects(const CrossReferences& references);
   void readStreams();
   void unpackObjects(const CrossReferences& references);
@@ -72,6 +83,7 @@ class SourceFile {
   size_t unpackedSize_ = 0;
   std::vector<Object> objects_;
   Value trailer_;
+  size_t crossReferencesStart_ = 0;
   std::vector<SourcePage> pages_;
 };
 

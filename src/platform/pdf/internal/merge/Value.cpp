@@ -143,6 +143,16 @@ std::optional<long long> Value::integer() const {
   return result.ec == std::errc() && result.ptr == end ? std::optional(number) : std::nullopt;
 }
 
+std::optional<double> Value::number() const {
+  if (kind != Kind::Number) return std::nullopt;
+  // A sign that PDF allows and from_chars does not.
+  const std::string_view digits = text.substr(text.front() == '+' ? 1 : 0);
+  double number = 0;
+  const char* end = digits.data() + digits.size();
+  const auto result = std::from_chars(digits.data(), end, number, std::chars_format::fixed);
+  return result.ec == std::errc() && result.ptr == end ? std::optional(number) : std::nullopt;
+}
+
 std::string Value::bytes() const {
   if (isName()) return nameBytes(text);
   if (!isString()) return {};

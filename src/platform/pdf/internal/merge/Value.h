@@ -54,6 +54,7 @@ struct Value {
   const Value& operator[](std::string_view key) const;
 
   std::optional<long long> integer() const;
+  std::optional<double> number() const;
 
   /// What a string or a name (without its slash) stands for.
   std::string bytes() const;

@@ -12,4 +12,7 @@ namespace pdf {
 /// file cannot be read or is damaged there.
 std::optional<QByteArray> firstRow(QFile& file, const imaging::PictureStrip& strip, int width);
 
+/// All rows of a strip, which can take 16 MB.
+std::optional<QByteArray> allRows(QFile& file, const imaging::PictureStrip& strip, int width);
+
 }  // namespace pdf
