@@ -5,10 +5,10 @@
 
 #include "platform/dispatch/Dispatch.h"
 #include "platform/rendering/FlatDocument.h"
+#include "platform/rendering/OutsideWatch.h"
 #include "platform/rendering/PageTurn.h"
 #include "platform/rendering/PicturePipeline.h"
 #include "platform/rendering/RenderingError.h"
-#include "platform/rendering/TailWatch.h"
 #include "platform/rendering/ViewportPicture.h"
 #include "platform/web/Page.h"
 
@@ -67,7 +67,7 @@ class DocumentPicture : public std::enable_shared_from_this<DocumentPicture> {
   PictureOptions options_;
   Callback callback_;
   web::Painted painted_;
-  std::shared_ptr<TailWatch> watch_;
+  std::shared_ptr<OutsideWatch> watch_;
   std::shared_ptr<PicturePipeline> pipeline_;
   QSizeF size_;
   QSize devicePixels_;
@@ -81,8 +81,8 @@ class DocumentPicture : public std::enable_shared_from_this<DocumentPicture> {
 };
 
 void DocumentPicture::start(std::shared_ptr<PictureReceiver> receiver) {
-  const double viewportHeight = document_->layout().viewport.height();
-  watch_ = std::make_shared<TailWatch>(std::move(receiver), deviceRow(viewportHeight));
+  const QSize viewport = (document_->layout().viewport * options_.scale).toSize();
+  watch_ = std::make_shared<OutsideWatch>(std::move(receiver), viewport);
   pipeline_ = std::make_shared<PicturePipeline>(
       watch_, [self = shared_from_this()](const auto& error) { self->delivered(error); });
   begin(pictured(document_->layout().document));
@@ -178,9 +178,9 @@ void DocumentPicture::delivered(const MaybeError& error) {
   measured_ && pipeline_->waiting() == 0 ? finish() : request();
 }
 
-/// A browser that does not know our setting gives white rows below the viewport.
+/// A browser that does not know our setting gives white outside the viewport.
 bool DocumentPicture::isCutOff() const {
-  return painted_ == web::Painted::WholeDocument && watch_->tailIsBlank();
+  return painted_ == web::Painted::WholeDocument && watch_->outsideIsBlank();
 }
 
 void DocumentPicture::finish() {

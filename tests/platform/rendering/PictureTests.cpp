@@ -241,6 +241,8 @@ TEST_F(PictureTest, ABrowserThatClipsPagesToTheViewportGivesTheSamePictures) {
   clipping.extraArguments = QStringList{u"--blink-settings=hideScrollbars=true"_s};
   engine() = std::make_unique<web::Engine>(clipping);
   checkLadder(20000, 1);
+  openFixture(u"wide.html"_s);
+  EXPECT_EQ(colour(picture(), 2599, 150), "008000");
   openMarkup(u"<!DOCTYPE html><body style='margin:0'><div style='height:3000px'>blank"_s);
   EXPECT_EQ(picture().height(), 3000);
   EXPECT_EQ(canvas->beginnings, 2) << "white rows are asked for in the other way, once";
