@@ -1,11 +1,11 @@
 #include "settings/SettingsTable.h"
 
-#include <QFontDatabase>
 #include <charconv>
 #include <functional>
 #include <vector>
 
 #include "platform/defaults/UserDefaults.h"
+#include "platform/fonts/FontName.h"
 #include "settings/CVDefaultPreferences.h"
 
 using namespace Qt::StringLiterals;
@@ -48,15 +48,9 @@ Text textOf(const std::optional<Font>& font) {
   return font->name + fontSeparator + QString::number(font->pointSize, 'f', 6);
 }
 
-bool isKnownFont(const QString& name) {
-  // Desktops name their system font by an alias ("Sans") that the font database does not list.
-  return QFontDatabase::hasFamily(name) ||
-         QFontDatabase::systemFont(QFontDatabase::GeneralFont).family() == name;
-}
-
 std::optional<Font> fontOf(const Text& text) {
   const QStringList pieces = text.value_or(QString()).split(fontSeparator);
-  if (pieces.size() < 2 || !isKnownFont(pieces[0])) return std::nullopt;
+  if (pieces.size() < 2 || !fonts::isKnown(pieces[0])) return std::nullopt;
   return Font{pieces[0], leadingNumber<double>(pieces[1])};
 }
 

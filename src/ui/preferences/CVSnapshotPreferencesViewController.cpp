@@ -3,6 +3,7 @@
 #include <QFontDialog>
 
 #include "platform/base/Log.h"
+#include "platform/fonts/FontName.h"
 #include "settings/CVDefaultPreferences.h"
 #include "settings/CVObjectRepository.h"
 #include "ui/preferences/PreferencesPane.h"
@@ -128,12 +129,10 @@ void CVSnapshotPreferencesViewController::onHeaderFooterFont() {
   auto* panel = new QFontDialog(parentWindow_ ? parentWindow_.data() : window());
   panel->setAttribute(Qt::WA_DeleteOnClose);
   if (const auto font = preferences_->headerAndFooterFont()) {
-    QFont current(font->name);
-    current.setPointSizeF(font->pointSize > 0 ? font->pointSize : 10);
-    panel->setCurrentFont(current);
+    panel->setCurrentFont(fonts::fontNamed({font->name, qMax(1.0, font->pointSize)}));
   }
   connect(panel, &QFontDialog::fontSelected, this, [this](const QFont& font) {
-    preferences_->setHeaderAndFooterFont(Font{font.family(), font.pointSizeF()});
+    preferences_->setHeaderAndFooterFont(Font{fonts::nameOf(font), font.pointSizeF()});
     setupWithPreferences();
   });
   panel->open();

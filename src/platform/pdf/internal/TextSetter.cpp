@@ -5,6 +5,8 @@
 #include <QTextLayout>
 #include <cmath>
 
+#include "platform/fonts/FontName.h"
+
 namespace pdf {
 namespace {
 
@@ -15,8 +17,7 @@ constexpr double widestLine = 1e9;
 constexpr double ligaturesOff = 1.0 / 64;
 
 QFont deviceFont(const Font& font) {
-  QFont deviceFont = font.name.isEmpty() ? QFont() : QFont(font.name);
-  deviceFont.setPointSizeF(font.pointSize);
+  QFont deviceFont = fonts::fontNamed(font);
   deviceFont.setHintingPreference(QFont::PreferNoHinting);
   // Any spacing keeps ligatures out, which readers would copy as one character: "\ufb01le:///".
   deviceFont.setLetterSpacing(QFont::AbsoluteSpacing, ligaturesOff);
