@@ -13,7 +13,7 @@
 #include "platform/browsers/DevToolsConnection.h"
 #include "platform/browsers/FrontTab.h"
 #include "platform/desktop/ApplicationService.h"
-#include "platform/web/HttpServer.h"
+#include "support/HttpServer.h"
 #include "support/Wait.h"
 
 namespace addon_test {

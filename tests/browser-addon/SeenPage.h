@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "platform/web/HttpServer.h"
+#include "support/HttpServer.h"
 
 namespace addon_test {
 

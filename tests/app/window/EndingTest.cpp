@@ -7,7 +7,7 @@
 #include "ProcessTree.h"
 #include "Session.h"
 #include "intake/Requests.h"
-#include "platform/web/HttpServer.h"
+#include "support/HttpServer.h"
 
 using namespace Qt::StringLiterals;
 

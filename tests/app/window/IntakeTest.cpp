@@ -7,8 +7,8 @@
 #include "Session.h"
 #include "intake/Requests.h"
 #include "platform/pdf/DocumentFacts.h"
-#include "platform/web/HttpServer.h"
 #include "settings/CVDefaultPreferences.h"
+#include "support/HttpServer.h"
 
 using namespace Qt::StringLiterals;
 using ::testing::Contains;

@@ -6,7 +6,7 @@
 #include "platform/browsers/DevToolsFrontPage.h"
 #include "platform/desktop/BrowserProfiles.h"
 #include "platform/desktop/RunningApplications.h"
-#include "platform/web/HttpServer.h"
+#include "support/HttpServer.h"
 #include "support/Wait.h"
 
 using namespace Qt::StringLiterals;

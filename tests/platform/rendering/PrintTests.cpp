@@ -1,7 +1,7 @@
 #include <QFileInfo>
 
-#include "Loopback.h"
 #include "RenderingTest.h"
+#include "support/HttpServer.h"
 
 using namespace Qt::StringLiterals;
 
@@ -118,12 +118,12 @@ TEST_F(PrintTest, BarsOfWideRightToLeftDocumentsStayAtTheRight) {
 }
 
 TEST_F(PrintTest, SheetsOfOtherOriginsAreSettledToo) {
-  Loopback server;
-  server.set("/style.css",
-             {"text/css", "div { height: 100vh; background: red } p { margin: 0; height: 200px }"});
-  server.set("/", {"text/html", "<!DOCTYPE html><link rel=stylesheet href='" +
-                                    server.url(u"/style.css"_s, u"localhost"_s).toEncoded() +
-                                    "'><body style='margin:0'><div></div><p>end"});
+  HttpServer server;
+  server.set(u"/style.css"_s,
+             {"div { height: 100vh; background: red } p { margin: 0; height: 200px }", "text/css"});
+  server.setPage(u"/"_s, "<!DOCTYPE html><link rel=stylesheet href='" +
+                             server.url(u"/style.css"_s, u"localhost"_s).toEncoded() +
+                             "'><body style='margin:0'><div></div><p>end");
   open({.url = server.url(u"/"_s)}, {});
   const QString path = printTall();
   expectOnePage(path, {1024, 968});
@@ -131,13 +131,13 @@ TEST_F(PrintTest, SheetsOfOtherOriginsAreSettledToo) {
 }
 
 TEST_F(PrintTest, ImportedSheetsAreSettledAndStay) {
-  Loopback server;
-  server.set("/", {"text/html",
-                   "<!DOCTYPE html><link rel=stylesheet href=/outer.css><body><p></p><div></div>"});
-  server.set("/outer.css",
-             {"text/css",
-              "@import '/inner.css'; body { margin: 0 } div { height: 50vh; background: blue }"});
-  server.set("/inner.css", {"text/css", "p { margin: 0; height: 100vh; background: red }"});
+  HttpServer server;
+  server.setPage(u"/"_s,
+                 "<!DOCTYPE html><link rel=stylesheet href=/outer.css><body><p></p><div></div>");
+  server.set(u"/outer.css"_s,
+             {"@import '/inner.css'; body { margin: 0 } div { height: 50vh; background: blue }",
+              "text/css"});
+  server.set(u"/inner.css"_s, {"p { margin: 0; height: 100vh; background: red }", "text/css"});
   open({.url = server.url(u"/"_s)}, {});
   const QString path = printTall();
   expectOnePage(path, {1024, 1152});

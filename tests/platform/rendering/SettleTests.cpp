@@ -1,5 +1,5 @@
-#include "Loopback.h"
 #include "RenderingTest.h"
+#include "support/HttpServer.h"
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
@@ -11,11 +11,11 @@ class SettleTest : public RenderingTest {
   bool evaluateTrue(const QString& script) { return evaluate(script).toBool(); }
   /// A document of the loopback server: what it names there is no request into a private network.
   void openServed(const QByteArray& body, const web::PageConfiguration& configuration = {}) {
-    server.set("/", {"text/html; charset=utf-8", body});
+    server.setPage(u"/"_s, body);
     open({.url = server.url(u"/"_s)}, configuration);
   }
 
-  Loopback server;
+  HttpServer server;
 };
 
 const QByteArray greenPicture =
@@ -107,7 +107,8 @@ TEST_F(SettleTest, EndlessPagesHaveAnEnd) {
 }
 
 TEST_F(SettleTest, LatePicturesOfALoadedPageSurviveThatItIsStopped) {
-  server.set("/late.svg", {"image/svg+xml", greenPicture, 400ms});
+  server.set(u"/late.svg"_s,
+             {.body = greenPicture, .contentType = "image/svg+xml", .delay = 400ms});
   openServed("<!DOCTYPE html><body style='margin:0'><img loading=lazy src='/late.svg'>");
   page->stopLoading();
   EXPECT_FALSE(settle());
@@ -115,8 +116,9 @@ TEST_F(SettleTest, LatePicturesOfALoadedPageSurviveThatItIsStopped) {
 }
 
 TEST_F(SettleTest, PicturesAndFontsOnTheirWayAreWaitedFor) {
-  server.set("/late.svg", {"image/svg+xml", greenPicture, 600ms});
-  server.set("/late.woff2", {"font/woff2", "no font", 700ms});
+  server.set(u"/late.svg"_s,
+             {.body = greenPicture, .contentType = "image/svg+xml", .delay = 600ms});
+  server.set(u"/late.woff2"_s, {.body = "no font", .contentType = "font/woff2", .delay = 700ms});
   // Both are asked for after the load event, which would wait for them.
   for (const web::Scripts scripts : {web::Scripts::Enabled, web::Scripts::Disabled}) {
     openServed("<!DOCTYPE html><body>text", {.scripts = scripts});
@@ -129,12 +131,12 @@ TEST_F(SettleTest, PicturesAndFontsOnTheirWayAreWaitedFor) {
         evaluateTrue(u"document.images[0].complete && document.images[0].naturalWidth === 50"_s));
     EXPECT_EQ(evaluate(u"document.fonts.status"_s).toString(), u"loaded"_s);
   }
-  EXPECT_EQ(server.answered("/late.woff2"), 2);
+  EXPECT_EQ(server.requests().count(u"/late.woff2"_s), 2);
 }
 
 TEST_F(SettleTest, WhatNeverComesIsGivenUp) {
-  server.set("/never.svg", {.type = "", .body = "", .never = true});
-  server.set("/never.woff2", {.type = "", .body = "", .never = true});
+  server.set(u"/never.svg"_s, {.kind = HttpServer::Answer::Kind::Never});
+  server.set(u"/never.woff2"_s, {.kind = HttpServer::Answer::Kind::Never});
   openServed("<!DOCTYPE html><body>text");
   evaluate(
       u"document.body.insertAdjacentHTML('beforeend', `<style>@font-face { font-family: late; "
@@ -145,9 +147,9 @@ TEST_F(SettleTest, WhatNeverComesIsGivenUp) {
 }
 
 TEST_F(SettleTest, FramesOfOtherOriginsComeToRestToo) {
-  server.set("/frame", {"text/html",
-                        "<!DOCTYPE html><style>body{margin:0;animation:a 30s forwards}"
-                        "@keyframes a{from{background:red}to{background:green}}</style>"});
+  server.setPage(u"/frame"_s,
+                 "<!DOCTYPE html><style>body{margin:0;animation:a 30s forwards}"
+                 "@keyframes a{from{background:red}to{background:green}}</style>");
   openServed(
       "<!DOCTYPE html><style>body{margin:0}iframe{border:0;display:block}</style><iframe src='" +
       server.url(u"/frame"_s, u"localhost"_s).toEncoded() + "'></iframe>");

@@ -6,9 +6,9 @@
 #include <memory>
 #include <optional>
 
-#include "HttpServer.h"
 #include "Recorder.h"
 #include "platform/web/Engine.h"
+#include "support/HttpServer.h"
 #include "support/Wait.h"
 
 /// Tests that share one real browser; each makes the pages it needs.

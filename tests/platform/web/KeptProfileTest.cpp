@@ -7,10 +7,10 @@
 #include <QFile>
 #include <QTemporaryDir>
 
-#include "HttpServer.h"
 #include "Recorder.h"
 #include "platform/web/Engine.h"
 #include "platform/web/LiveView.h"
+#include "support/HttpServer.h"
 #include "support/Wait.h"
 
 using namespace Qt::StringLiterals;

@@ -8,7 +8,6 @@
 #include <QToolButton>
 #include <QWheelEvent>
 
-#include "HttpServer.h"
 #include "capture/CVURLEntry.h"
 #include "intake/CVAppDelegate.h"
 #include "platform/desktop/Notifications.h"
@@ -16,6 +15,7 @@
 #include "platform/web/Engine.h"
 #include "settings/CVDefaultPreferences.h"
 #include "settings/CVObjectRepository.h"
+#include "support/HttpServer.h"
 #include "support/Wait.h"
 #include "ui/minibrowser/CVMiniBrowserWindow.h"
 #include "ui/minibrowser/LivePageView.h"

@@ -15,10 +15,10 @@
 #include <QTest>
 #include <QWheelEvent>
 
-#include "HttpServer.h"
 #include "delivery/CVUtils.h"
 #include "platform/web/Engine.h"
 #include "settings/CVObjectRepository.h"
+#include "support/HttpServer.h"
 #include "support/Wait.h"
 #include "ui/controls/CVHoverButton.h"
 #include "ui/look/Theme.h"

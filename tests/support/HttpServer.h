@@ -5,18 +5,19 @@
 #include <QString>
 #include <QTcpServer>
 #include <QUrl>
-#include <functional>
+#include <chrono>
 
 /// A web server on loopback for the tests: fixed answers by path, on the main queue.
 class HttpServer {
  public:
   struct Answer {
-    QByteArray body;
+    QByteArray body = {};
     QByteArray contentType = "text/html; charset=utf-8";
     QByteArray status = "200 OK";
     /// Whole lines, each ended by CR LF.
     QByteArray headers = {};
     enum class Kind { Complete, Never, Broken } kind = Kind::Complete;
+    std::chrono::milliseconds delay{0};
   };
 
   HttpServer();
@@ -37,6 +38,7 @@ class HttpServer {
  private:
   void accept();
   void answer(QTcpSocket& socket);
+  static void write(QTcpSocket& socket, const Answer& answer);
 
   QTcpServer server_;
   QHash<QString, Answer> answers_;

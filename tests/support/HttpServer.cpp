@@ -1,6 +1,7 @@
-#include "HttpServer.h"
+#include "support/HttpServer.h"
 
 #include <QTcpSocket>
+#include <QTimer>
 
 using namespace Qt::StringLiterals;
 
@@ -35,6 +36,10 @@ void HttpServer::answer(QTcpSocket& socket) {
   if (answer.kind == Answer::Kind::Never) return;
   const QByteArray authorized = authorized_.value(path);
   if (!authorized.isEmpty() && head.contains(authorized)) answer.status = "200 OK";
+  QTimer::singleShot(answer.delay, &socket, [&socket, answer] { write(socket, answer); });
+}
+
+void HttpServer::write(QTcpSocket& socket, const Answer& answer) {
   const qsizetype length = answer.body.size() + (answer.kind == Answer::Kind::Broken ? 1000 : 0);
   socket.write("HTTP/1.1 " + answer.status + "\r\nContent-Type: " + answer.contentType +
                "\r\nContent-Length: " + QByteArray::number(length) + "\r\nConnection: close\r\n" +
