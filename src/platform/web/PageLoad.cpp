@@ -8,6 +8,7 @@
 using namespace Qt::StringLiterals;
 
 namespace web {
+
 PageLoad::PageLoad(Page& page, Session& session, PageObservers& observers)
     : page_(page),
       session_(session),
