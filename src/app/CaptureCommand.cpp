@@ -143,17 +143,18 @@ void CaptureCommand::run(CVDefaultPreferences& settings, Finished finished) {
     startNext();
 }
 
-/// Sets the folder for the results, which is made if it is missing; or returns the file that a
-/// single source goes to.
+/// Sets the folder for the results, which is made if it is missing and they stay there; or returns
+/// the file that a single source goes to.
 Result<std::optional<QUrl>> CaptureCommand::preparePlace(CVDefaultPreferences& settings) {
   if (options_.multipage) return std::nullopt;
   const std::optional<QString> file = options_.outputFile();
   const QFileInfo place(options_.output.value_or(u"."_s));
   const QString folder = QDir::cleanPath(file ? place.absolutePath() : place.absoluteFilePath());
-  if (!QDir().mkpath(folder)) {
+  const bool staysThere = options_.destination == u"Disk"_s;
+  if (staysThere && !QDir().mkpath(folder)) {
     return sourceError(u"The folder “%1” cannot be made."_s.arg(folder));
   }
-  if (!QFileInfo(folder).isWritable()) {
+  if (staysThere && !QFileInfo(folder).isWritable()) {
     return sourceError(u"The folder “%1” cannot be written to."_s.arg(folder));
   }
   settings.setDownloadLocation(QUrl::fromLocalFile(folder));

@@ -122,7 +122,8 @@ class Reader {
     const double parsed = given->toDouble(&valid);
     const bool whole = !std::is_integral_v<Number> || parsed == std::floor(parsed);
     if (!valid || !whole || !(parsed >= lowest && parsed <= highest)) {
-      return fail(u"--%1 takes a number from %2 to %3, not “%4”."_s.arg(optionName(name))
+      const QString kind = std::is_integral_v<Number> ? u"whole number"_s : u"number"_s;
+      return fail(u"--%1 takes a %2 from %3 to %4, not “%5”."_s.arg(optionName(name), kind)
                       .arg(lowest)
                       .arg(highest)
                       .arg(*given));

@@ -99,6 +99,12 @@ TEST(CaptureOptions, WhatWasAskedForStandsOverWhatADestinationBringsWithIt) {
   }
 }
 
+TEST(CaptureOptions, ARefusedNumberIsToldItsRangeAndWhetherItMustBeWhole) {
+  EXPECT_TRUE(
+      parse(u"--margin 10.5 a"_s).error().localizedDescription.contains("whole number from 0"_L1));
+  EXPECT_FALSE(parse(u"--scale 9 a"_s).error().localizedDescription.contains("whole"_L1));
+}
+
 TEST(CaptureOptions, WhatMakesNoSenseIsRefusedInWords) {
   const QString lines[] = {
       QString(),

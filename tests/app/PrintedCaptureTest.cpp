@@ -42,9 +42,10 @@ class PrintedCapture : public testing::Test {
     environment.insert(u"CUPS_SERVER"_s, scheduler->socket());
     program.setProcessEnvironment(environment);
     program.setWorkingDirectory(folder.path());
-    program.start(QStringLiteral(CORVALIS_PROGRAM),
-                  QStringList{u"capture"_s} + mode +
-                      QStringList{u"a.html"_s, u"--destination"_s, u"Printer"_s});
+    program.start(
+        QStringLiteral(CORVALIS_PROGRAM),
+        QStringList{u"capture"_s} + mode +
+            QStringList{u"a.html"_s, u"--destination"_s, u"Printer"_s, u"-o"_s, u"unwanted/"_s});
     ASSERT_TRUE(support::waitFor([&] { return program.state() == QProcess::NotRunning; }));
     EXPECT_EQ(program.exitCode(), 0) << program.readAllStandardError().toStdString();
     EXPECT_EQ(program.readAllStandardOutput(), QByteArray());
@@ -57,7 +58,8 @@ class PrintedCapture : public testing::Test {
 TEST_F(PrintedCapture, PagesReachThePrinterInTheModeThatWasAskedFor) {
   print({u"--mode"_s, u"Vector"_s});
   print({});
-  EXPECT_EQ(QDir(folder.path()).entryList(QDir::Files), QStringList{u"a.html"_s});
+  EXPECT_EQ(QDir(folder.path()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot),
+            QStringList{u"a.html"_s});
   const QList<int> jobs = scheduler->jobs();
   ASSERT_EQ(jobs.size(), 2);
   write(u"vector.pdf"_s, scheduler->document(jobs[0]));

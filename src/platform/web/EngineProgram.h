@@ -28,8 +28,7 @@ enum class EngineUse {
   /// Pages may be shown and used.
   LiveViews,
   /// Pages are only converted. They are painted as a whole, so that what lies beyond the viewport
-  /// is
-  /// pictured without being laid out anew; wheel and keys do not scroll such a page.
+  /// is pictured without being laid out anew; wheel and keys do not scroll such a page.
   Conversions
 };
 

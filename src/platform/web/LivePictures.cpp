@@ -16,6 +16,7 @@ constexpr std::chrono::milliseconds restBeforeSharpPicture{120};
 /// there is none between the keys of somebody who types.
 constexpr std::chrono::milliseconds restWhileTyping{600};
 constexpr std::chrono::seconds sharpPictureTimeout{3};
+
 }  // namespace
 
 std::shared_ptr<LivePictures> LivePictures::create(std::shared_ptr<Page> page, Receiver receiver) {

@@ -8,6 +8,7 @@
 using namespace Qt::StringLiterals;
 
 namespace web {
+
 PageLoad::PageLoad(Page& page, Session& session, PageObservers& observers)
     : page_(page),
       session_(session),
@@ -252,7 +253,11 @@ void PageLoad::handleLifecycle(const QJsonObject& event) {
       (name == u"DOMContentLoaded" || name == u"networkAlmostIdle" || name == u"networkIdle"))
     return title_.read({});
   if (name != u"load" || !frames_.isMain(event[u"frameId"].toString())) return;
-  if (!isCurrent || document_.finished || !active_) return;
+  if (isCurrent) finishWithTitle();
+}
+
+void PageLoad::finishWithTitle() {
+  if (document_.finished || !active_) return;
   title_.read([this, loader = document_.loader] {
     if (active_ && document_.loader == loader && !document_.finished) finish();
   });
@@ -276,7 +281,9 @@ void PageLoad::handleStartedLoading(const QJsonObject& event) {
 void PageLoad::handleStoppedLoading(const QJsonObject& event) {
   if (!frames_.isMain(event[u"frameId"].toString())) return;
   stoppedLoading_ = true;
-  if (!active_ && document_.finished) setLoading(false);
+  if (!active_ && document_.finished) return setLoading(false);
+  // A page that stops its own loading is complete, though it has no load event.
+  if (committed_ && !provisional_) finishWithTitle();
 }
 
 void PageLoad::setCredentialsHandler(RequestGate::CredentialsHandler handler) {

@@ -82,6 +82,8 @@ class PageLoad {
   void reloadAtFragment();
   void beginProvisional(const QString& loader, const QUrl& url);
   void commit(const QJsonObject& frame);
+  /// Reads the title first, unless the document has finished.
+  void finishWithTitle();
   void finish();
   void startAnswerTimer();
   void handleNoAnswer();

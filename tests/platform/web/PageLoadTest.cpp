@@ -64,6 +64,16 @@ TEST_F(PageLoadTest, TitlesThatScriptsSetAreReported) {
   EXPECT_TRUE(support::waitFor([this] { return recorder->titles.contains(u"Second"_s); }));
 }
 
+TEST_F(PageLoadTest, APageThatStopsItsOwnLoadingIsFinished) {
+  server.setPage(u"/"_s, "<title>Halted</title><script>window.stop()</script><p>never read");
+  openPage();
+  load({server.url(u"/"_s)});
+  EXPECT_EQ(recorder->failure, std::nullopt);
+  EXPECT_TRUE(recorder->finished());
+  EXPECT_EQ(page->title(), u"Halted"_s);
+  EXPECT_FALSE(page->isLoading());
+}
+
 struct FailureCase {
   const char* name;
   HttpServer::Answer answer;
