@@ -79,13 +79,17 @@ bool PngReader::feed() {
   return false;
 }
 
-bool PngReader::inflate(QByteArray& bytes) {
-  inflate_->next_out = reinterpret_cast<quint8*>(bytes.data());
+/// Fills `bytes`, or stops at the end of the data; false when these are damaged or cut short. The
+/// library may hold the last of what it was fed, so it is asked once more when nothing is left.
+bool PngReader::inflate(std::span<quint8> bytes) {
+  inflate_->next_out = bytes.data();
   inflate_->avail_out = quint32(bytes.size());
-  while (inflate_->avail_out > 0) {
+  while (inflate_->avail_out > 0 && inflate_->block_state != ISAL_BLOCK_FINISH) {
     const bool starves = inflate_->avail_in == 0 && !feed();
-    if (starves || inflate_->block_state == ISAL_BLOCK_FINISH) return false;
+    const quint32 missing = inflate_->avail_out;
     if (isal_inflate(inflate_.get()) != ISAL_DECOMP_OK) return false;
+    const bool ended = inflate_->block_state == ISAL_BLOCK_FINISH;
+    if (starves && inflate_->avail_out == missing && !ended) return false;
   }
   return true;
 }
@@ -93,13 +97,7 @@ bool PngReader::inflate(QByteArray& bytes) {
 /// Whether the data end where the rows do, with the right checksum.
 bool PngReader::isWhole() {
   quint8 more = 0;
-  inflate_->next_out = &more;
-  inflate_->avail_out = 1;
-  while (inflate_->block_state != ISAL_BLOCK_FINISH && inflate_->avail_out == 1) {
-    if (inflate_->avail_in == 0 && !feed()) return false;
-    if (isal_inflate(inflate_.get()) != ISAL_DECOMP_OK) return false;
-  }
-  return inflate_->avail_out == 1;
+  return inflate({&more, 1}) && inflate_->avail_out == 1;
 }
 
 /// Leaves the row as it is in the file in `above_`, for the next one.
@@ -122,10 +120,10 @@ Result<QImage> PngReader::rows(int count) {
   if (rows.isNull()) return tl::unexpected(noMemoryForRows());
   const qsizetype bytesPerRow = above_.size() + 1;
   QByteArray filtered(bytesPerRow * rows.height(), Qt::Uninitialized);
-  if (!inflate(filtered)) return unreadable();
+  const std::span bytes(reinterpret_cast<quint8*>(filtered.data()), size_t(filtered.size()));
+  if (!inflate(bytes) || inflate_->avail_out > 0) return unreadable();
   for (int row = 0; row < rows.height(); ++row) {
-    uchar* const bytes = reinterpret_cast<uchar*>(filtered.data()) + row * bytesPerRow;
-    if (!unpackRow(bytes, rows.scanLine(row))) return unreadable();
+    if (!unpackRow(bytes.data() + row * bytesPerRow, rows.scanLine(row))) return unreadable();
   }
   rowsRead_ += rows.height();
   if (rowsLeft() == 0 && !isWhole()) return unreadable();

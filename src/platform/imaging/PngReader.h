@@ -5,6 +5,7 @@
 #include <QImage>
 #include <QSize>
 #include <memory>
+#include <span>
 
 #include "platform/base/Error.h"
 #include "platform/imaging/PngChunks.h"
@@ -34,7 +35,7 @@ class PngReader {
   explicit PngReader(QByteArray png);
   bool readHeader();
   bool feed();
-  bool inflate(QByteArray& bytes);
+  bool inflate(std::span<quint8> bytes);
   bool isWhole();
   bool unpackRow(uchar* filtered, uchar* row);
 

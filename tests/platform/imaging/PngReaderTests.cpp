@@ -44,6 +44,19 @@ TEST(PngReader, EveryRowIsAsItWas) {
   EXPECT_EQ(read(asPng(dot)), dot);
 }
 
+/// A band for each row: its end falls anywhere in the packed data, also on their last bits.
+TEST(PngReader, BandsMayEndAnywhere) {
+  for (int height = 1; height < 120; ++height) {
+    QImage picture(40, height, QImage::Format_RGB888);
+    picture.fill(Qt::white);
+    picture.setPixelColor(height % 40, height / 2, Qt::red);
+    const auto reader = PngReader::create(asPng(picture));
+    ASSERT_TRUE(reader);
+    for (int row = 0; row < height; ++row)
+      ASSERT_TRUE((*reader)->rows(1)) << "row " << row << " of " << height;
+  }
+}
+
 TEST(PngReader, DamagedPicturesAreErrors) {
   const QByteArray whole = asPng(pageLike({200, 150}).convertToFormat(QImage::Format_RGB888));
   ASSERT_FALSE(read(whole).isNull());
