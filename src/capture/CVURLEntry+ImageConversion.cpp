@@ -66,7 +66,7 @@ Result<PagePicture> CVURLEntry::picturePage(const CVPreferences& preferences, co
   if (const MaybeError unsettled = settlePage()) return tl::unexpected(*unsettled);
   imaging::PictureOptions options;
   options.pixelsPerPoint = services_.pixelsPerPoint;
-  options.metadata.address = currentURL().value_or(QUrl()).toString(QUrl::FullyEncoded);
+  options.metadata.address = convertedAddress();
   const auto file =
       std::make_shared<PictureFile>(target.toLocalFile(), finalType(preferences), options);
 

@@ -57,7 +57,16 @@ std::shared_ptr<web::Page> CVURLEntry::loadedPage() const {
 
 std::shared_ptr<web::Page> CVURLEntry::page() const {
   std::lock_guard lock(resultMutex_);
-  return convertedPage_;
+  return convertedPage_.page;
+}
+
+QString CVURLEntry::convertedAddress() const {
+  std::lock_guard lock(resultMutex_);
+  return convertedPage_.address.toString(QUrl::FullyEncoded);
+}
+
+capture::LoadedPage CVURLEntry::pageToConvert() const {
+  return {loadedPage(), currentURL().value_or(QUrl()), title()};
 }
 
 std::optional<QUrl> CVURLEntry::resultLocation() const {
