@@ -143,7 +143,7 @@ std::optional<QUrl> CVURLEntry::createTemporaryPDFWithConversionMode(const QStri
   preferences->setConversionMode(mode);
   preferences->setUsePagination(true);
   preferences->setFormat(u"PDF"_s);
-  const ConversionTurn turn(*this, pageToConvert());
+  const ConversionTurn turn(*this, loadedPage());
   {
     std::lock_guard lock(resultMutex_);
     preferences_ = preferences;

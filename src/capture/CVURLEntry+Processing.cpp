@@ -82,7 +82,7 @@ void CVURLEntry::usePreferences(const std::shared_ptr<CVPreferences>& preference
 }
 
 void CVURLEntry::holdPageForProcessing() {
-  processedPage_ = pageToConvert();
+  processedPage_ = {loadedPage(), currentURL().value_or(QUrl()), title()};
 }
 
 void CVURLEntry::startAutomatically(const std::shared_ptr<CVPreferences>& preferences) {
@@ -154,7 +154,7 @@ QUrl CVURLEntry::convert(const std::shared_ptr<CVPreferences>& preferences, Mayb
   }
   // Waited for before the turn, which it needs for itself.
   const capture::Conversion conversion = ahead ? ahead->take() : capture::Conversion();
-  const ConversionTurn turn(*this, processedPage_);
+  const ConversionTurn turn(*this, processedPage_.page);
   usePreferences(preferences);
   if (!ahead) return convertNow(preferences, error);
   if (!ahead->suits(*preferences)) {
@@ -177,7 +177,7 @@ QUrl CVURLEntry::convertNow(const std::shared_ptr<CVPreferences>& preferences, M
 void CVURLEntry::convertAhead() {
   auto ahead = capture::ConversionAhead::begin(
       applicationSettings()->copyWithZone(),
-      [entry = self(), page = pageToConvert()](const std::shared_ptr<CVPreferences>& preferences) {
+      [entry = self(), page = loadedPage()](const std::shared_ptr<CVPreferences>& preferences) {
         const ConversionTurn turn(*entry, page);
         capture::Conversion conversion;
         conversion.file = entry->convertNow(preferences, conversion.error);

@@ -57,16 +57,7 @@ std::shared_ptr<web::Page> CVURLEntry::loadedPage() const {
 
 std::shared_ptr<web::Page> CVURLEntry::page() const {
   std::lock_guard lock(resultMutex_);
-  return convertedPage_.page;
-}
-
-QString CVURLEntry::convertedAddress() const {
-  std::lock_guard lock(resultMutex_);
-  return convertedPage_.address.toString(QUrl::FullyEncoded);
-}
-
-capture::LoadedPage CVURLEntry::pageToConvert() const {
-  return {loadedPage(), currentURL().value_or(QUrl()), title()};
+  return convertedPage_;
 }
 
 std::optional<QUrl> CVURLEntry::resultLocation() const {

@@ -120,8 +120,6 @@ class CVURLEntry : public CVEntry,
   void callWaiting(const MaybeError& error);
   /// The page that has loaded; none while it loads and after a failure. Any thread.
   std::shared_ptr<web::Page> loadedPage() const;
-  /// The same with what a conversion that begins now takes of it.
-  capture::LoadedPage pageToConvert() const;
   void stopObservingLoading();
   void workAhead();
   void renderThumbnail();
@@ -169,8 +167,6 @@ class CVURLEntry : public CVEntry,
   void doPrintPDFFromView();
   /// The page of the conversion whose turn it is. Any thread.
   std::shared_ptr<web::Page> page() const;
-  /// Its address when the conversion began. Any thread.
-  QString convertedAddress() const;
 
   const CVCaptureServices services_;
   std::shared_ptr<web::WebView> webView_;
@@ -203,7 +199,7 @@ class CVURLEntry : public CVEntry,
   std::mutex conversionMutex_;
   mutable std::mutex resultMutex_;
   std::shared_ptr<web::Page> loadedPage_;
-  capture::LoadedPage convertedPage_;
+  std::shared_ptr<web::Page> convertedPage_;
   std::shared_ptr<capture::ConversionAhead> conversionAhead_;
   std::optional<CVConversionFacts> conversionFacts_;
 };

@@ -3,7 +3,7 @@
 #include "capture/CVPageView.h"
 #include "capture/CVPrintImageView.h"
 
-CVURLEntry::ConversionTurn::ConversionTurn(CVURLEntry& entry, capture::LoadedPage page)
+CVURLEntry::ConversionTurn::ConversionTurn(CVURLEntry& entry, std::shared_ptr<web::Page> page)
     : entry_(entry), lock_(entry.conversionMutex_) {
   std::lock_guard lock(entry_.resultMutex_);
   entry_.convertedPage_ = std::move(page);
@@ -14,5 +14,5 @@ CVURLEntry::ConversionTurn::~ConversionTurn() {
   entry_.pageView_.reset();
   entry_.printImageView_.reset();
   std::lock_guard lock(entry_.resultMutex_);
-  entry_.convertedPage_ = {};
+  entry_.convertedPage_.reset();
 }
