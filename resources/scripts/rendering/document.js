@@ -98,6 +98,31 @@
     });
   };
 
+  const boxesOf = (elements) => elements.map((element) => element.getBoundingClientRect());
+
+  const areSame = (boxes, others) =>
+    boxes.every((box, index) => Math.abs(box.x - others[index].x) < 1 && Math.abs(box.y - others[index].y) < 1);
+
+  // Printed text moves down where pages break, and a bar at the end would cover it: the bar goes with the
+  // end of the root's box, if the document ends there and nothing else is moved by that.
+  const hangFromEnd = (element, wantedBottom, placed) => {
+    const root = document.documentElement;
+    if (Math.abs(root.getBoundingClientRect().bottom - wantedBottom) >= 1) return;
+    const together = [element, ...placed];
+    const before = boxesOf(together);
+    const { position } = getComputedStyle(root);
+    const { top } = getComputedStyle(element);
+    if (position === 'static') corvalisPage.override(root, { position: 'relative' });
+    corvalisPage.override(element, { top: 'auto', bottom: '0' });
+    const stands = areSame(before, boxesOf(together));
+    if (stands) {
+      corvalisPage.atEnd.add(element);
+    } else {
+      corvalisPage.override(root, { position });
+      corvalisPage.override(element, { top, bottom: 'auto' });
+    }
+  };
+
   const isBackdrop = (style, box) =>
     style.zIndex < 0 && box.width >= innerWidth * 0.95 && box.height >= innerHeight * 0.95;
 
@@ -141,7 +166,7 @@
     return contains(new DOMRect(0, 0, size.width, size.height), place) && !wouldBeCutOff(element, place);
   };
 
-  const placeFixed = (element, size, pages) => {
+  const placeFixed = (element, size, pages, placed) => {
     const documentHeight = size.height;
     const box = element.getBoundingClientRect();
     if (box.width === 0 && box.height === 0) return;
@@ -157,20 +182,25 @@
     // then leaves out what is fixed outside of it.
     const attachable = pages === 'many' || canBeAttached(element, box, shift, size);
     if (attachable) attach(element, box.top + shift, box.left);
+    if (pages === 'many' && shift > 0) hangFromEnd(element, box.bottom + shift, placed);
   };
 
   // Lays the document out flat, as it is to be pictured from top to end: what sticks to an edge of the
   // viewport goes to its own place, bars at the bottom go to the end. `restore` takes it back.
   corvalisPage.flatten = (pages) => {
+    // The bars that hang from the end.
+    corvalisPage.atEnd = new Set();
     const x = scrollX;
     const y = scrollY;
     corvalisPage.onRestore(() => corvalisPage.jumpTo(x, y));
     corvalisPage.jumpTo(0, 0);
     const fixed = [];
+    const placed = [];
     for (const element of corvalisPage.elements(document)) {
       const style = getComputedStyle(element);
       spreadBackground(element, style);
       if (style.position === 'fixed') fixed.push(element);
+      if (style.position === 'absolute') placed.push(element);
       if (style.position !== 'sticky') continue;
       corvalisPage.override(element, {
         position: 'relative', top: 'auto', bottom: 'auto', left: 'auto', right: 'auto',
@@ -178,7 +208,8 @@
     }
     const size = corvalisPage.size();
     spreadPseudoElements(size.height);
-    for (const element of fixed.filter(isFixedToViewport)) placeFixed(element, size, pages);
+    if (pages === 'many') corvalisPage.freezePlaced();
+    for (const element of fixed.filter(isFixedToViewport)) placeFixed(element, size, pages, placed);
     return size;
   };
 })();
