@@ -62,11 +62,11 @@ MaybeError CVURLEntry::settlePage() {
       capture::interrupted());
 }
 
+/// The picture is tagged with its address when it is delivered.
 Result<PagePicture> CVURLEntry::picturePage(const CVPreferences& preferences, const QUrl& target) {
   if (const MaybeError unsettled = settlePage()) return tl::unexpected(*unsettled);
   imaging::PictureOptions options;
   options.pixelsPerPoint = services_.pixelsPerPoint;
-  options.metadata.address = currentURL().value_or(QUrl()).toString(QUrl::FullyEncoded);
   const auto file =
       std::make_shared<PictureFile>(target.toLocalFile(), finalType(preferences), options);
 

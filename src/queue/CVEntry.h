@@ -34,9 +34,10 @@ class CVEntry : public std::enable_shared_from_this<CVEntry> {
   /// Converts and delivers the page. The base version does nothing and never calls back.
   virtual void processWithCompletion(Completion completion);
 
-  /// A PDF file of the page for a multipage document, in mode "Vector" or "Image"; none when there
-  /// is no such mode or the conversion failed (then with `error` set). Blocks: not on the main
-  /// thread.
+  /// The place of a PDF file of the page for a multipage document, in mode "Vector" or "Image";
+  /// none when there is no such mode. After a failure, with `error` set, the place is returned all
+  /// the same, and what is there, if anything, need not be a document: joining passes over it.
+  /// Blocks: not on the main thread.
   virtual std::optional<QUrl> createTemporaryPDFWithConversionMode(const QString& mode,
                                                                    MaybeError& error);
 

@@ -3,6 +3,7 @@
 #include <future>
 
 #include "EntryFixture.h"
+#include "delivery/PDFMultipageAssembler.h"
 #include "platform/dispatch/Dispatch.h"
 #include "platform/pdf/DocumentFacts.h"
 #include "support/Wait.h"
@@ -111,6 +112,22 @@ TEST_F(ConversionTurns, AFailureIsNotChargedToThePageThatWasLoadedMeanwhile) {
   EXPECT_EQ(entry->state(), CVEntryStateDownloaded);
 }
 
+TEST_F(ConversionTurns, APictureCarriesTheAddressThatItsConversionBeganWith) {
+  settings->setFormat(u"PNG"_s);
+  const auto entry = prepared(u"First"_s);
+  const QString address = entry->currentURL()->toString(QUrl::FullyEncoded);
+  Ending processed;
+  entry->processWithCompletion(processed.completion());
+  ASSERT_TRUE(waitFor([&] { return entry->state() == CVEntryStateProcessing; }, longest));
+  entry->setCurrentURL(QUrl(u"http://127.0.0.1:9/loaded-meanwhile"_s));
+  ASSERT_TRUE(processed.wait());
+  QFile picture(output.filePath(u"First.png"_s));
+  ASSERT_TRUE(picture.open(QIODevice::ReadOnly));
+  const QByteArray bytes = picture.readAll();
+  EXPECT_TRUE(bytes.contains(address.toUtf8()));
+  EXPECT_FALSE(bytes.contains("loaded-meanwhile"));
+}
+
 TEST_F(ConversionTurns, AConversionThatWasBegunAheadIsNotTakenForThePageThatReplacesIt) {
   services.thumbnails = Thumbnails::NotShown;
   services.conversions = Conversions::Ahead;
@@ -164,6 +181,30 @@ TEST_F(ConversionTurns, WhatTheUserSavesWhileThePageLoadsAnewIsTheNewPage) {
   ASSERT_TRUE(loaded.wait() && processed.wait());
   EXPECT_FALSE(processed.error);
   EXPECT_TRUE(textOf(output.filePath(u"chosen.pdf"_s)).contains("words of Second"_L1));
+}
+
+TEST_F(ConversionTurns, JoiningPassesOverAPartThatFailed) {
+  const auto failing = prepared(u"Failing"_s);
+  failing->prepareWithCompletion({});  // Loads anew: there is no page to convert.
+  QList<QUrl> parts;
+  for (const QString& mode : {u"Vector"_s, u"Image"_s}) {
+    auto part = multipagePart(failing, mode);
+    const auto [file, error] = result(part);
+    EXPECT_TRUE(error) << mode.toStdString();
+    ASSERT_TRUE(file) << mode.toStdString();
+    parts.append(*file);
+  }
+  const QUrl target = QUrl::fromLocalFile(output.filePath(u"joined.pdf"_s));
+  EXPECT_TRUE(PDFMultipageAssembler().mergePDFURLs(parts, target));
+  EXPECT_FALSE(QFile::exists(target.toLocalFile()));
+  auto good = multipagePart(prepared(u"Good"_s), u"Vector"_s);
+  const auto [file, error] = result(good);
+  ASSERT_TRUE(file && !error);
+  parts.insert(1, *file);
+  ASSERT_FALSE(PDFMultipageAssembler().mergePDFURLs(parts, target));
+  EXPECT_EQ(pdf::documentFacts(target.toLocalFile())->pageCount(),
+            pdf::documentFacts(file->toLocalFile())->pageCount());
+  EXPECT_TRUE(textOf(target.toLocalFile()).contains("last words of Good"_L1));
 }
 
 TEST_F(ConversionTurns, APageThatIsNotLoadedIsSaidSo) {

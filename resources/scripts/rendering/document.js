@@ -60,7 +60,8 @@
   const isBottomBar = (box) =>
     box.top > innerHeight / 4 && (box.top + box.bottom) / 2 > innerHeight / 2 + 1 && box.top < innerHeight;
 
-  const isOutside = (box) => box.top >= innerHeight || box.bottom <= 0;
+  const isOutside = (box) =>
+    box.top >= innerHeight || box.bottom <= 0 || box.left >= innerWidth || box.right <= 0;
 
   // Documents that are written from right to left overflow to the left: on wider paper their right edge
   // is what stays where it is.
@@ -83,9 +84,9 @@
     });
   };
 
-  // Printed pages would each repeat it: it becomes part of the document, at the same place.
+  // It becomes part of the document, at the same place and stacked as before.
   const attach = (element, wantedTop, wantedLeft) => {
-    corvalisPage.override(element, { position: 'absolute' });
+    corvalisPage.override(element, { position: 'absolute', isolation: 'isolate' });
     const box = element.getBoundingClientRect();
     const style = getComputedStyle(element);
     const toTheRight = wantedLeft - box.left;
@@ -95,6 +96,31 @@
         ? { right: `${(parseFloat(style.right) || 0) - toTheRight}px` }
         : { left: `${(parseFloat(style.left) || 0) + toTheRight}px` }),
     });
+  };
+
+  const boxesOf = (elements) => elements.map((element) => element.getBoundingClientRect());
+
+  const areSame = (boxes, others) =>
+    boxes.every((box, index) => Math.abs(box.x - others[index].x) < 1 && Math.abs(box.y - others[index].y) < 1);
+
+  // Printed text moves down where pages break, and a bar at the end would cover it: the bar goes with the
+  // end of the root's box, if the document ends there and nothing else is moved by that.
+  const hangFromEnd = (element, wantedBottom, placed) => {
+    const root = document.documentElement;
+    if (Math.abs(root.getBoundingClientRect().bottom - wantedBottom) >= 1) return;
+    const together = [element, ...placed];
+    const before = boxesOf(together);
+    const { position } = getComputedStyle(root);
+    const { top } = getComputedStyle(element);
+    if (position === 'static') corvalisPage.override(root, { position: 'relative' });
+    corvalisPage.override(element, { top: 'auto', bottom: '0' });
+    const stands = areSame(before, boxesOf(together));
+    if (stands) {
+      corvalisPage.atEnd.add(element);
+    } else {
+      corvalisPage.override(root, { position });
+      corvalisPage.override(element, { top, bottom: 'auto' });
+    }
   };
 
   const isBackdrop = (style, box) =>
@@ -120,32 +146,61 @@
     }
   };
 
-  const placeFixed = (element, documentHeight, pages) => {
+  const contains = (outer, box) =>
+    outer.left <= box.left && outer.right >= box.right && outer.top <= box.top && outer.bottom >= box.bottom;
+
+  // A fixed element is free of the boxes around it, an absolute one may be cut off by them.
+  const wouldBeCutOff = (element, place) => {
+    const around = (inner) => inner.parentElement ?? inner.getRootNode().host;
+    let isPlaced = false;
+    for (let outer = around(element); outer && outer !== document.body; outer = around(outer)) {
+      const style = getComputedStyle(outer);
+      isPlaced ||= style.position !== 'static';
+      if (isPlaced && style.overflow !== 'visible' && !contains(outer.getBoundingClientRect(), place)) return true;
+    }
+    return false;
+  };
+
+  const canBeAttached = (element, box, shift, size) => {
+    const place = new DOMRect(box.x, box.y + shift, box.width, box.height);
+    return contains(new DOMRect(0, 0, size.width, size.height), place) && !wouldBeCutOff(element, place);
+  };
+
+  const placeFixed = (element, size, pages, placed) => {
+    const documentHeight = size.height;
     const box = element.getBoundingClientRect();
     if (box.width === 0 && box.height === 0) return;
     if (isBackdrop(getComputedStyle(element), box)) {
       corvalisPage.pin(element, 0);
       return corvalisPage.override(element, { height: `${documentHeight}px`, 'max-height': 'none' });
     }
-    // A drawer that waits below or above the screen must not show in a picture that goes further.
+    // A drawer that waits beside the screen must not show in a picture that goes further.
     if (isOutside(box)) return corvalisPage.override(element, { transition: 'none', opacity: '0' });
     const shift = isBottomBar(box) ? Math.max(0, documentHeight - innerHeight) : 0;
     corvalisPage.pin(element, shift);
-    if (pages === 'many') attach(element, box.top + shift, box.left);
+    // Printed pages would each repeat it, and in pictures that go beyond the viewport the engine now and
+    // then leaves out what is fixed outside of it.
+    const attachable = pages === 'many' || canBeAttached(element, box, shift, size);
+    if (attachable) attach(element, box.top + shift, box.left);
+    if (pages === 'many' && shift > 0) hangFromEnd(element, box.bottom + shift, placed);
   };
 
   // Lays the document out flat, as it is to be pictured from top to end: what sticks to an edge of the
   // viewport goes to its own place, bars at the bottom go to the end. `restore` takes it back.
   corvalisPage.flatten = (pages) => {
+    // The bars that hang from the end.
+    corvalisPage.atEnd = new Set();
     const x = scrollX;
     const y = scrollY;
     corvalisPage.onRestore(() => corvalisPage.jumpTo(x, y));
     corvalisPage.jumpTo(0, 0);
     const fixed = [];
+    const placed = [];
     for (const element of corvalisPage.elements(document)) {
       const style = getComputedStyle(element);
       spreadBackground(element, style);
       if (style.position === 'fixed') fixed.push(element);
+      if (style.position === 'absolute') placed.push(element);
       if (style.position !== 'sticky') continue;
       corvalisPage.override(element, {
         position: 'relative', top: 'auto', bottom: 'auto', left: 'auto', right: 'auto',
@@ -153,7 +208,8 @@
     }
     const size = corvalisPage.size();
     spreadPseudoElements(size.height);
-    for (const element of fixed.filter(isFixedToViewport)) placeFixed(element, size.height, pages);
+    if (pages === 'many') corvalisPage.freezePlaced();
+    for (const element of fixed.filter(isFixedToViewport)) placeFixed(element, size, pages, placed);
     return size;
   };
 })();

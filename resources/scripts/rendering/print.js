@@ -72,9 +72,10 @@
 
   // What is placed by the viewport's height, without a positioned element around it: the engine names
   // the body, or nothing, as the parent of its offsets.
-  const freezePlaced = () => {
+  corvalisPage.freezePlaced = () => {
     for (const element of corvalisPage.elements(document)) {
       const style = getComputedStyle(element);
+      if (corvalisPage.atEnd.has(element)) continue;
       if (style.position !== 'absolute' || (element.offsetParent ?? document.body) !== document.body) continue;
       if (document.body && getComputedStyle(document.body).position !== 'static') continue;
       const byBottom = String(element.computedStyleMap().get('bottom')) !== 'auto';
@@ -112,7 +113,7 @@
     if (layoutWidth) {
       rules.push(`html${heavy} { width: ${layoutWidth}px !important; max-width: none !important; }`);
     }
-    freezePlaced();
+    corvalisPage.freezePlaced();
     freezeRoot();
     keepDirection();
     corvalisPage.addSheet(rules.join('\n'));

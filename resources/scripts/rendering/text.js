@@ -46,6 +46,26 @@
   const isVisible = (element) =>
     element.checkVisibility({ opacityProperty: true, visibilityProperty: true });
 
+  const pen = new OffscreenCanvas(1, 1).getContext('2d');
+  const buttons = ['submit', 'reset', 'button'];
+  const lines = ['text', 'search', 'url', 'tel', 'email', 'number', ...buttons];
+
+  const shownInField = (field) => {
+    if (field.localName === 'select') {
+      return field.multiple || field.size > 1 ? '' : field.selectedOptions[0]?.label ?? '';
+    }
+    if (!lines.includes(field.type)) return '';
+    const unnamed = { submit: 'Submit', reset: 'Reset' };
+    return field.value || (buttons.includes(field.type) ? unnamed[field.type] : field.placeholder) || '';
+  };
+
+  // Of the room that the text leaves, the share before it.
+  const startOfText = (field, style) => {
+    if (style.textAlign === 'center' || buttons.includes(field.type)) return 0.5;
+    if (['left', 'right'].includes(style.textAlign)) return style.textAlign === 'right' ? 1 : 0;
+    return (style.direction === 'rtl') === (style.textAlign === 'end') ? 0 : 1;
+  };
+
   const round = (value) => Math.round(value * 100) / 100;
 
   class Reader {
@@ -160,10 +180,34 @@
     readElement(element) {
       if (element.shadowRoot) this.readTree(element.shadowRoot);
       const name = element.localName;
+      if (name === 'input' || name === 'select') this.readField(element);
       if (name === 'a' && element.hasAttribute('href')) this.readLink(element);
       else if (/^h[1-6]$/.test(name)) this.readHeading(element);
       else if (['img', 'svg', 'canvas', 'video', 'picture', 'input', 'button'].includes(name)) this.readPicture(element);
       else if (name === 'iframe' || name === 'frame') this.readFrame(element);
+    }
+
+    // What a form shows in one line stands in no text of the document: it is placed by its font.
+    readField(element) {
+      const text = shownInField(element).trim();
+      const facts = text && this.textFacts(element);
+      if (!facts) return;
+      const style = this.view.getComputedStyle(element);
+      pen.font = style.font;
+      const box = element.getBoundingClientRect();
+      // The engine keeps lists of choices four pixels from their padding.
+      const inner = element.localName === 'select' ? { Left: 4, Right: 4 } : {};
+      const inset = (side) =>
+        parseFloat(style[`border${side}Width`]) + parseFloat(style[`padding${side}`]) + (inner[side] ?? 0);
+      const free = box.width - inset('Left') - inset('Right') - pen.measureText(text).width;
+      const share = startOfText(element, style);
+      const left = box.left + inset('Left') + Math.max(0, free) * share;
+      const top = (box.top + inset('Top') + box.bottom - inset('Bottom') - facts.size * 1.2) / 2;
+      const inside = { ...facts, clip: intersect(facts.clip, box) };
+      for (const word of text.matchAll(/\S+/g)) {
+        const x = left + pen.measureText(text.slice(0, word.index)).width;
+        this.addRun(word[0], new DOMRect(x, top, pen.measureText(word[0]).width, facts.size * 1.2), inside, true);
+      }
     }
 
     readLink(element) {

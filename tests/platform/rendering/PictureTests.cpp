@@ -87,6 +87,39 @@ TEST_F(PictureTest, BarsStandOnceAtTheirPlaces) {
   EXPECT_EQ(evaluate(u"document.documentElement.outerHTML"_s).toString(), before);
 }
 
+/// The engine leaves bars out now and then, so each page is pictured more than once.
+TEST_F(PictureTest, ABarAtTheBottomIsInEveryPicture) {
+  const QString bar =
+      u"<p style='position:fixed;bottom:0;margin:0;height:40px;background:rgb(0,0,255)'>bar</p>"_s;
+  const QString before =
+      u"<!DOCTYPE html><body style='margin:0;font:20px sans-serif'><h1>Words</h1>"_s
+      "<div style='height:1700px'></div>";
+  const std::pair<const char*, QString> cases[] = {
+      {"in the body", before + u"<h2>End</h2>"_s + bar},
+      {"in a box around the whole page",
+       u"<!DOCTYPE html><body style='margin:0'><div style='position:relative;overflow:hidden;"_s
+       "height:1800px;background:rgb(255,255,0)'>" +
+           bar + u"<h1>Words</h1></div>"_s}};
+  for (const auto& [name, markup] : cases) {
+    for (int time = 0; time < 5; ++time) {
+      openMarkup(markup);
+      const QImage image = picture();
+      EXPECT_EQ(colour(image, 2, image.height() - 2), "0000ff") << name;
+      EXPECT_NE(colour(image, 2, 766), "0000ff") << name;
+    }
+  }
+}
+
+TEST_F(PictureTest, DrawersBesideTheScreenStayUnseenOnWidePages) {
+  openMarkup(
+      u"<!DOCTYPE html><body style='margin:0'><div style='width:1600px;height:900px;"_s
+      "background:rgb(255,255,0)'></div><div style='position:fixed;top:0;right:-300px;width:300px;"
+      "height:300px;background:rgb(255,0,0)'></div>");
+  const QImage image = picture();
+  ASSERT_EQ(image.size(), QSize(1600, 900));
+  EXPECT_EQ(colour(image, 1100, 150), "ffff00");
+}
+
 TEST_F(PictureTest, ViewportLengthsKeepTheirSize) {
   openFixture(u"hero.html"_s);
   const QImage image = picture();

@@ -261,4 +261,23 @@ TEST_F(PrintPlaceTest, NoPageIsLeftForAFewRowsOrForNothing) {
   }
 }
 
+/// Pages break before the high box, so what follows stands lower than on the screen.
+TEST_F(PrintPlaceTest, ABarAtTheEndCoversNoTextThatPageBreaksMovedDown) {
+  const QString content =
+      u"<!DOCTYPE html><body style='margin:0;font:20px/30px sans-serif'>"_s
+      "<div style='height:1000px'>%2</div><div style='height:900px;break-inside:avoid'></div>"
+      "<p style='margin:0 0 60px'>last</p>%1"
+      "<p style='position:fixed;bottom:0;margin:0;width:100%;height:40px'>bar</p>";
+  const QString placed = u"<p style='position:absolute;bottom:0;margin:0'>first</p>"_s;
+  for (const QString& other : {QString(), placed}) {
+    openMarkup(content.arg(other, other.isEmpty() ? u"first"_s : QString()));
+    const Places places(printPaginated({{595, 842}, {50, 50, 50, 50}}));
+    const Place last = places.word(u"last"_s), bar = places.word(u"bar"_s);
+    EXPECT_EQ(last.page, 2);
+    EXPECT_EQ(bar.page, 2);
+    EXPECT_GT(bar.box.top(), last.box.bottom()) << other.toStdString();
+    EXPECT_EQ(places.word(u"first"_s).page, 1);
+  }
+}
+
 }  // namespace

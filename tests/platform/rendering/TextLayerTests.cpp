@@ -40,6 +40,34 @@ TEST_F(TextLayerTest, VisibleTextComesInReadingOrder) {
   EXPECT_FALSE(layer.truncated);
 }
 
+TEST_F(TextLayerTest, WhatFieldsShowIsText) {
+  openMarkup(
+      u"<!DOCTYPE html><meta charset=utf-8><body style='margin:20px;font:16px sans-serif'>"_s
+      "<style>input,select{width:200px;margin:0 100px 0 0}</style><p>"
+      "<input value='typed words'><input placeholder=hint><input type=submit value='Press me'>"
+      "<p><select><option>first<option selected>second</select><input type=password value=secret>"
+      "<input style='text-align:right' value=rightmost><p dir=rtl><input value='שלום'>"
+      "<p><input style='width:60px' value='shown incomprehensibilities'><input hidden "
+      "value=no>");
+  layer = textLayer();
+  EXPECT_EQ(allText(), u"typed words hint Press me second rightmost שלום shown"_s);
+  const QImage image = picture();
+  for (const TextRun& each : layer.runs) {
+    const QRectF box = each.rect;
+    const auto inkFrom = [&](double left, double right) {
+      int ink = 0;
+      for (int y = qRound(box.top()); y < qRound(box.bottom()); ++y)
+        for (int x = qRound(left); x < qRound(right); ++x)
+          ink += image.rect().contains(x, y) && qGray(image.pixel(x, y)) < 160;
+      return ink;
+    };
+    const std::string text = each.text.toStdString();
+    EXPECT_GT(inkFrom(box.left(), box.left() + 5), 2) << text;
+    EXPECT_GT(inkFrom(box.right() - 5, box.right() + 1), 2) << text;
+    EXPECT_EQ(inkFrom(box.left() - 2, box.left()), 0) << text;
+  }
+}
+
 TEST_F(TextLayerTest, BoxesLieOnTheInkOfThePicture) {
   openFixture(u"text.html"_s);
   layer = textLayer();
