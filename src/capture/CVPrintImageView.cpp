@@ -12,8 +12,11 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-/// The share of a page that is too little for a page of its own.
-constexpr double sliver = 0.01;
+/// But for the first one.
+void dropPagesFrom(int row, std::vector<pdf::PicturePage>& pages) {
+  while (pages.size() > 1 && pages.back().firstRow >= row)
+    pages.pop_back();
+}
 
 }  // namespace
 
@@ -29,13 +32,16 @@ std::vector<pdf::PicturePage> CVPrintImageView::pagesFor(const printing::PrintIn
           .adjusted(info.leftMargin(), info.topMargin(), -info.rightMargin(), -info.bottomMargin());
   if (printable.width() <= 0 || printable.height() <= 0) return {};
   std::vector<pdf::PicturePage> pages = cut(info.paperSize(), printable, 1);
-  dropWhiteEnd(pages);
+  if (pages.empty()) return pages;
+  const int end = contentEnd(pages.back().firstRow);
+  dropPagesFrom(end, pages);
+  using rendering::sliver;
   const bool endsInSliver =
       pages.size() > 1 && pages.back().target.height() < sliver * printable.height();
   for (double share = 1 - sliver / 4; endsInSliver && share > 1 - 1.1 * sliver;
        share -= sliver / 4) {
     std::vector<pdf::PicturePage> fewer = cut(info.paperSize(), printable, share);
-    dropWhiteEnd(fewer);
+    dropPagesFrom(end, fewer);
     if (fewer.size() < pages.size()) return fewer;
   }
   return pages;
@@ -67,17 +73,17 @@ std::vector<pdf::PicturePage> CVPrintImageView::cut(const QSizeF& paper, const Q
   return pages;
 }
 
-void CVPrintImageView::dropWhiteEnd(std::vector<pdf::PicturePage>& pages) const {
-  const double rowsPerUnit = picture_.strips.pixels.height() / picture_.size.height();
-  const auto& text = picture_.text.unbreakableRows;
-  while (pages.size() > 1) {
-    const double top = pages.back().firstRow / rowsPerUnit;
-    const bool hasText = std::any_of(text.begin(), text.end(),
-                                     [top](const auto& rows) { return rows.bottom > top; });
-    const int rows = picture_.strips.pixels.height() - pages.back().firstRow;
-    if (hasText || pdf::whiteRowsAtEnd(picture_.strips, rows) < rows) return;
-    pages.pop_back();
-  }
+/// The row below the last text and the last row that is not white; the picture is only read where
+/// no text comes after `row`.
+int CVPrintImageView::contentEnd(int row) const {
+  const int rows = picture_.strips.pixels.height();
+  const double rowsPerUnit = rows / picture_.size.height();
+  double textEnd = 0;
+  for (const auto& text : picture_.text.unbreakableRows)
+    textEnd = std::max(textEnd, text.bottom * rowsPerUnit);
+  if (textEnd > row) return rows;
+  return std::max(static_cast<int>(std::ceil(textEnd)),
+                  rows - pdf::whiteRowsAtEnd(picture_.strips));
 }
 
 void CVPrintImageView::printTo(const printing::PrintInfo& info, const QString& path,

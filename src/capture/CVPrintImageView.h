@@ -25,7 +25,7 @@ class CVPrintImageView : public printing::PrintableView {
  private:
   std::vector<pdf::PicturePage> cut(const QSizeF& paper, const QRectF& printable,
                                     double share) const;
-  void dropWhiteEnd(std::vector<pdf::PicturePage>& pages) const;
+  int contentEnd(int row) const;
 
   PagePicture picture_;
 };

@@ -34,6 +34,7 @@ QUrl CVURLEntry::doProcessingForImageConversionModeWithPreferences(
   const Result<PagePicture> picture = picturePage(*preferences, pictureFile);
   if (!picture) {
     error = picture.error();
+    QFile::remove(pictureFile.toLocalFile());
     return result;
   }
   if (isPicture) return result;

@@ -12,13 +12,12 @@ constexpr char white = '\xFF';
 
 }  // namespace
 
-int whiteRowsAtEnd(const imaging::PictureStrips& picture, int most) {
+int whiteRowsAtEnd(const imaging::PictureStrips& picture) {
   QFile file(picture.path);
   if (picture.strips.empty() || !file.open(QIODevice::ReadOnly)) return 0;
   const qsizetype rowSize = qsizetype{picture.pixels.width()} * bytesPerPixel;
   int found = 0;
-  for (auto strip = picture.strips.rbegin(); strip != picture.strips.rend() && found < most;
-       ++strip) {
+  for (auto strip = picture.strips.rbegin(); strip != picture.strips.rend(); ++strip) {
     const auto rows = allRows(file, *strip, picture.pixels.width());
     if (!rows) return 0;
     const auto last =
@@ -26,7 +25,7 @@ int whiteRowsAtEnd(const imaging::PictureStrips& picture, int most) {
     found += static_cast<int>((last - rows->rbegin()) / rowSize);
     if (last != rows->rend()) break;
   }
-  return std::min(found, most);
+  return found;
 }
 
 }  // namespace pdf

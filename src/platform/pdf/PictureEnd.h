@@ -6,8 +6,8 @@ struct PictureStrips;
 
 namespace pdf {
 
-/// How many of a picture's last `most` rows, from its end up to the first one with anything else,
-/// are white. 0 when the file cannot be read. Any thread.
-int whiteRowsAtEnd(const imaging::PictureStrips& picture, int most);
+/// How many rows at a picture's end are white, up to all of them. Unpacks the file from its end up
+/// to the first row with anything else. 0 when it cannot be read. Any thread.
+int whiteRowsAtEnd(const imaging::PictureStrips& picture);
 
 }  // namespace pdf

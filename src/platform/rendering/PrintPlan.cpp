@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "platform/pdf/PicturePages.h"
+#include "platform/rendering/TextLayer.h"
 
 namespace rendering {
 namespace {
@@ -37,9 +38,7 @@ double leastWidth(double layoutWidth) {
 }
 
 /// Where a last page would hold a few rows only, all pages are made so much higher that they find
-/// room, and shown so much smaller. The share of a page that counts as few:
-constexpr double sliver = 0.01;
-
+/// room, and shown so much smaller.
 void spareLastPage(PrintPlan& plan, QSizeF document, double printableHeight) {
   const double pointsPerPixel = plan.paper.size.width() / document.width();
   const double rows = std::floor(plan.paper.size.height() / pointsPerPixel);

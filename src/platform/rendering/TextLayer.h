@@ -71,6 +71,9 @@ void textLayer(const std::shared_ptr<web::Page>& page,
 void breakCandidates(const std::shared_ptr<web::Page>& page,
                      std::function<void(Result<std::vector<RowInterval>>)> callback);
 
+/// The share of a page that is too little for a last page of its own.
+inline constexpr double sliver = 0.01;
+
 /// Where to end a page that begins at `top` and has room down to `bottom`: the place in its lower
 /// half that cuts the fewest intervals, and the lowest of those. `rows` as above. Any thread.
 double pageBreakBefore(const std::vector<RowInterval>& rows, double top, double bottom);

@@ -69,6 +69,20 @@ std::vector<double> numbers(QPDFObjectHandle array) {
   return found;
 }
 
+TEST(PrintedPages, ADocumentThatFitsIsCopiedAsItIs) {
+  const QString path = samples::fromObjects({
+      u"<< /Type /Catalog /Pages 2 0 R >>"_s,
+      u"<< /Type /Pages /Count 1 /Kids [3 0 R] /MediaBox [0 0 200 100] >>"_s,
+      u"<< /Type /Page /Parent 2 0 R /Contents 4 0 R /Resources << >> >>"_s,
+      content(u""_s, u"0 0 100 100 re f"_s),
+  });
+  pdf::PageFit fit;
+  fit.paper = {200, 100};
+  QFile before(path), after(fitted(path, fit));
+  ASSERT_TRUE(before.open(QIODevice::ReadOnly) && after.open(QIODevice::ReadOnly));
+  EXPECT_EQ(after.readAll(), before.readAll());
+}
+
 TEST(PrintedPages, EveryPlaceMovesWithTheContent) {
   const QString compact = tools::fresh(u"compact.pdf"_s);
   tools::run(u"qpdf"_s, {u"--object-streams=generate"_s, printed(), compact});

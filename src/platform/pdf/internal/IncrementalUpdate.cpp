@@ -1,7 +1,5 @@
 #include "platform/pdf/internal/IncrementalUpdate.h"
 
-#include <cstdio>
-
 #include "platform/imaging/PartFile.h"
 #include "platform/pdf/PDFDocument.h"
 #include "platform/pdf/internal/merge/MendedCopy.h"
@@ -55,12 +53,6 @@ void IncrementalUpdate::writeObject(int object, std::string_view text) {
   added_ += "\nendobj\n";
 }
 
-int IncrementalUpdate::add(std::string_view text) {
-  const int object = reserve();
-  writeObject(object, text);
-  return object;
-}
-
 void IncrementalUpdate::writeStream(int object, std::string_view dictionary,
                                     std::string_view data) {
   begin(object);
@@ -100,13 +92,18 @@ void IncrementalUpdate::appendTrailer(size_t start) {
 }
 
 MaybeError IncrementalUpdate::write(const QString& target) {
+  if (positions_.empty()) return writeTo(target, {});
   const size_t start = source_.bytes().size() + added_.size();
   appendCrossReferences();
   appendTrailer(start);
+  return writeTo(target, added_);
+}
+
+MaybeError IncrementalUpdate::writeTo(const QString& target, std::string_view added) const {
   const auto file = imaging::PartFile::create(target);
   MaybeError error = file ? MaybeError() : file.error();
   if (!error) error = (*file)->write(source_.bytes());
-  if (!error) error = (*file)->write(added_);
+  if (!error) error = (*file)->write(added);
   if (!error) error = (*file)->commit();
   if (!error) return std::nullopt;
   return Error{QString::fromUtf16(errorDomain), PDFErrorWrite, error->localizedDescription};

@@ -25,9 +25,8 @@ class IncrementalUpdate {
   /// The number of a new object, to refer to before it is written.
   int reserve() { return nextObject_++; }
 
-  /// A new object, or the one that takes an old one's place.
+  /// A reserved object, or the one that takes an old one's place.
   void writeObject(int object, std::string_view text);
-  int add(std::string_view text);
 
   /// `dictionary` says how the bytes are packed, but not their length.
   void writeStream(int object, std::string_view dictionary, std::string_view data);
@@ -43,6 +42,7 @@ class IncrementalUpdate {
   void begin(int object);
   void appendCrossReferences();
   void appendTrailer(size_t start);
+  MaybeError writeTo(const QString& target, std::string_view added) const;
 
   const SourceFile& source_;
   int nextObject_;

@@ -1,7 +1,6 @@
 #include "platform/pdf/internal/SequentialFile.h"
 
 #include <QRandomGenerator>
-#include <cstdio>
 
 #include "platform/pdf/PDFDocument.h"
 

@@ -3,7 +3,8 @@
 #include <zlib.h>
 
 #include <algorithm>
-#include <cstdlib>
+
+#include "platform/imaging/RowUnfilter.h"
 
 namespace pdf {
 namespace {
@@ -47,63 +48,26 @@ bool unpack(QFile& file, const imaging::PictureStrip& strip, QByteArray& output)
   return inflation.isComplete();
 }
 
-/// The Paeth predictor (PNG specification, section 9.4).
-int paeth(int left, int above, int corner) {
-  const int estimate = left + above - corner;
-  const int toLeft = std::abs(estimate - left), toAbove = std::abs(estimate - above),
-            toCorner = std::abs(estimate - corner);
-  if (toLeft <= toAbove && toLeft <= toCorner) return left;
-  return toAbove <= toCorner ? above : corner;
-}
-
-/// The filters of the PNG specification (section 9.2).
-int predicted(int filter, int left, int above, int corner) {
-  switch (filter) {
-    case 1:
-      return left;
-    case 2:
-      return above;
-    case 3:
-      return (left + above) / 2;
-    case 4:
-      return paeth(left, above, corner);
-    default:
-      return 0;
-  }
-}
-
-/// `above` is empty for a strip's first row.
-QByteArray unfiltered(QByteArrayView filtered, const QByteArray& above) {
-  const int filter = filtered.front();
-  QByteArray row = filtered.sliced(1).toByteArray();
-  const auto byte = [](const QByteArray& bytes, qsizetype index) {
-    return index < 0 || index >= bytes.size() ? 0 : static_cast<unsigned char>(bytes.at(index));
-  };
-  for (qsizetype index = 0; index < row.size() && filter != 0; ++index) {
-    const int guess = predicted(filter, byte(row, index - colors), byte(above, index),
-                                byte(above, index - colors));
-    row[index] = static_cast<char>(row.at(index) + guess);
-  }
-  return row;
-}
-
 }  // namespace
 
-std::optional<QByteArray> firstRow(QFile& file, const imaging::PictureStrip& strip, int width) {
-  QByteArray filtered(1 + qsizetype{width} * colors, '\0');
-  if (!unpack(file, strip, filtered)) return std::nullopt;
-  return unfiltered(filtered, {});
+std::optional<QByteArray> firstRow(QFile& file, imaging::PictureStrip strip, int width) {
+  strip.rows = 1;
+  return allRows(file, strip, width);
 }
 
 std::optional<QByteArray> allRows(QFile& file, const imaging::PictureStrip& strip, int width) {
-  const qsizetype size = 1 + qsizetype{width} * colors;
-  QByteArray filtered(size * strip.rows, '\0');
+  const qsizetype size = qsizetype{width} * colors;
+  QByteArray filtered((1 + size) * strip.rows, '\0');
   if (!unpack(file, strip, filtered)) return std::nullopt;
-  QByteArray rows, above;
-  rows.reserve((size - 1) * strip.rows);
-  for (int row = 0; row < strip.rows; ++row) {
-    above = unfiltered(QByteArrayView(filtered).sliced(row * size, size), above);
-    rows += above;
+  QByteArray rows(size * strip.rows, '\0');
+  const QByteArray none(size, '\0');
+  const auto* above = reinterpret_cast<const uchar*>(none.constData());
+  for (qsizetype index = 0; index < strip.rows; ++index) {
+    const char* const packed = filtered.constData() + index * (1 + size);
+    auto* const row = reinterpret_cast<uchar*>(rows.data()) + index * size;
+    std::copy_n(packed + 1, size, reinterpret_cast<char*>(row));
+    if (!imaging::undoRowFilter(uchar(*packed), row, above, size, colors)) return std::nullopt;
+    above = row;
   }
   return rows;
 }
