@@ -159,6 +159,8 @@ void SettledStyles::waitForImports(std::function<void()> then) {
 void SettledStyles::checkImports(QDeadlineTimer deadline, std::function<void()> then) {
   callPageScript(page_, u"size"_s, {},
                  [self = shared_from_this(), deadline, then = std::move(then)](const auto& size) {
+                   // The timer holds this object.
+                   self->poll_.reset();
                    const bool complete = self->live_.size() >= self->liveAtFirst_;
                    if (complete || !size || deadline.hasExpired()) return then();
                    self->poll_ = dispatch::Timer::after(pollInterval, [self, deadline, then] {
